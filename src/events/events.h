@@ -1,0 +1,35 @@
+// The library's only door to the event service. A record is created, filled
+// with keys in order and sent; when the service hands out no object the record
+// is dropped silently and the change that caused it stands.
+#ifndef KALDATA_SRC_EVENTS_EVENTS_H
+#define KALDATA_SRC_EVENTS_EVENTS_H
+
+#include <string>
+
+namespace vorn {
+namespace event {
+class EVENT_OBJECT;
+}
+}  // namespace vorn
+
+namespace kalevents {
+
+class record {
+public:
+    record(const char* category, const char* action);
+    record(const record&) = delete;
+    record& operator=(const record&) = delete;
+
+    // False when the service gave no object: callers may skip building values.
+    explicit operator bool() const { return object != nullptr; }
+
+    record& set(const char* key, std::string value);
+    void send();
+
+private:
+    vorn::event::EVENT_OBJECT* object;
+};
+
+}  // namespace kalevents
+
+#endif
