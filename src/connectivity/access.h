@@ -1,0 +1,33 @@
+// The library's own door to the private setters of ports, port buses, nets and
+// net buses. Applications cannot reach these, so a link or a map key cannot be
+// changed behind the model's back; inside the library every such change goes
+// through here.
+#ifndef KALDATA_SRC_CONNECTIVITY_ACCESS_H
+#define KALDATA_SRC_CONNECTIVITY_ACCESS_H
+
+#include "kalnet.h"
+#include "kalport.h"
+
+struct kalaccess {
+    static void setComponent(kalport* p, kalcomponent* c) { p->setComponent(c); }
+    static void setName(kalport* p, const std::string* n) { p->setName(n); }
+    static void setSecondName(kalport* p, const std::string* n) { p->setSecondName(n); }
+    static void setDualPort(kalport* p, kaldualport* d) { p->setDualPort(d); }
+
+    static void setComponent(kalportbus* b, kalcomponent* c) { b->setComponent(c); }
+    static void setName(kalportbus* b, const std::string* n) { b->setName(n); }
+    static void setSecondName(kalportbus* b, const std::string* n) { b->setSecondName(n); }
+    static void clearBits(kalportbus* b) { b->clearBits(); }
+
+    static void setDesign(kalnet* n, kaldesign* d) { n->setDesign(d); }
+    static void setName(kalnet* n, const std::string* s) { n->setName(s); }
+    static void setSecondName(kalnet* n, const std::string* s) { n->setSecondName(s); }
+
+    static void setDesign(kalnetbus* b, kaldesign* d) { b->setDesign(d); }
+    static void setName(kalnetbus* b, const std::string* s) { b->setName(s); }
+    static void setSecondName(kalnetbus* b, const std::string* s) { b->setSecondName(s); }
+    static void setRange(kalnetbus* b, unsigned int msb, unsigned int lsb) { b->setRange(msb, lsb); }
+    static void clearBits(kalnetbus* b) { b->clearBits(); }
+};
+
+#endif

@@ -1,0 +1,35 @@
+// Builders for the path strings that fill record values. Every path that a
+// record carries is made here, so that the formats live in one place.
+#ifndef KALDATA_SRC_EVENTS_PATHS_H
+#define KALDATA_SRC_EVENTS_PATHS_H
+
+#include <string>
+
+class kalcomponent;
+class kaldesign;
+class kalport;
+
+namespace kalpaths {
+
+// The component's instanceName, or "" when it has none.
+std::string instanceName(const kalcomponent* component);
+
+// "u1/a": owner's instanceName + "/" + name.
+std::string portPath(const kalcomponent* owner, const std::string& name);
+std::string portPath(const kalport* port);
+
+// "top/u1/a": the port path prefixed with the instanceName of the component
+// whose design holds the port's component; the plain port path when that
+// component is nobody's instance.
+std::string portPathInDesign(const kalport* port);
+
+// "top::rtl/n1": owner's instanceName + "::" + design "Name" + "/" + name.
+std::string designPath(const kaldesign* design, const std::string& name);
+
+// "top::top/dp0": like a design path, but with the owner component's own
+// "Name" in place of the design's.
+std::string dualPortPath(const kaldesign* design, const std::string& name);
+
+}  // namespace kalpaths
+
+#endif
