@@ -73,7 +73,9 @@ public:
     void removeGeneratorFromGroup(const std::string* groupName, const std::string* generatorName);
     void removeElementFromAllGroups(const std::string* generatorName);
     void removeGroup(const std::string* name);
-    // A deep copy owned by the caller; see the class documentation for what is not carried over.
+    // A deep copy owned by the caller. Each copy is named after its key; groups
+    // keep only members whose name still matches their key; group attributes
+    // and the owner are not carried over.
     kalgenerators* clone();
     // Releases only the attributes: generators and groups belong to their creators.
     ~kalgenerators();

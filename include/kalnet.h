@@ -12,6 +12,7 @@ class kaldesign;
 class kalport;
 class kalnetbus;
 struct kalaccess;
+struct kalportlist;
 
 class KALDATA_API kalnet : public kalattributes {
 private:
@@ -20,7 +21,7 @@ private:
     std::string* secondName;
     std::string* text;
     kalnetbus* bus;
-    std::vector<kalport*>* ports;
+    kalportlist* ports;  // connected ports in order of connection, with a lookup index for large nets
 
 public:
     kalnet(const std::string* name, const std::string* secondName, const std::string* text);

@@ -1,18 +1,31 @@
 // The library's own door to the private setters of ports, port buses, nets and
 // net buses. Applications cannot reach these, so a link or a map key cannot be
 // changed behind the model's back; inside the library every such change goes
-// through here.
+// through here, which also keeps the nets' port indexes in step.
 #ifndef KALDATA_SRC_CONNECTIVITY_ACCESS_H
 #define KALDATA_SRC_CONNECTIVITY_ACCESS_H
+
+#include <string>
 
 #include "kalnet.h"
 #include "kalport.h"
 
+class kalcomponent;
+struct kalportlist;
+
 struct kalaccess {
-    static void setComponent(kalport* p, kalcomponent* c) { p->setComponent(c); }
-    static void setName(kalport* p, const std::string* n) { p->setName(n); }
+    // Ports. Name and component are part of a net's lookup key.
+    static void setComponent(kalport* p, kalcomponent* c);
+    static void setName(kalport* p, const std::string* n);
     static void setSecondName(kalport* p, const std::string* n) { p->setSecondName(n); }
     static void setDualPort(kalport* p, kaldualport* d) { p->setDualPort(d); }
+
+    // A component's instance name is part of its connected ports' lookup keys.
+    static void setInstanceName(kalcomponent* c, const std::string& name);
+
+    // The port stopped pointing to `net`; if the net still lists it, the net
+    // can no longer trust its index.
+    static void portLeft(kalnet* net, const kalport* p);
 
     static void setComponent(kalportbus* b, kalcomponent* c) { b->setComponent(c); }
     static void setName(kalportbus* b, const std::string* n) { b->setName(n); }
@@ -22,12 +35,17 @@ struct kalaccess {
     static void setDesign(kalnet* n, kaldesign* d) { n->setDesign(d); }
     static void setName(kalnet* n, const std::string* s) { n->setName(s); }
     static void setSecondName(kalnet* n, const std::string* s) { n->setSecondName(s); }
+    static kalportlist* portList(kalnet* n) { return n->ports; }
 
     static void setDesign(kalnetbus* b, kaldesign* d) { b->setDesign(d); }
     static void setName(kalnetbus* b, const std::string* s) { b->setName(s); }
     static void setSecondName(kalnetbus* b, const std::string* s) { b->setSecondName(s); }
     static void setRange(kalnetbus* b, unsigned int msb, unsigned int lsb) { b->setRange(msb, lsb); }
     static void clearBits(kalnetbus* b) { b->clearBits(); }
+
+private:
+    template <class Change>
+    static void rekeyAround(kalport* p, Change change);
 };
 
 #endif

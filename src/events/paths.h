@@ -23,6 +23,11 @@ std::string portPath(const kalport* port);
 // component is nobody's instance.
 std::string portPathInDesign(const kalport* port);
 
+// "top::rtl/u1/a": the port path prefixed with the design path prefix of the
+// design that holds the port's component; the plain port path when that
+// component is nobody's instance.
+std::string designPortPath(const kalport* port);
+
 // "top::rtl/n1": owner's instanceName + "::" + design "Name" + "/" + name.
 std::string designPath(const kaldesign* design, const std::string& name);
 

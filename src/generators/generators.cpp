@@ -75,7 +75,7 @@ void kalgenerators::addGenerator(std::string key, kalgenerator* generator) {
     if (!generator) return;
     removeGenerator(key);
     auto it = generators.emplace(key, generator).first;
-    // Accepted under its key in any case; the registry link only when the names agree.
+    // The lookup finds the argument itself, so the registry link is always set.
     if (*it->second == *generator) generator->setRegistry(this);
 }
 

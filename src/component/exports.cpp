@@ -1,0 +1,195 @@
+// Exports: making an instance's port (or port bus) a port of the enclosing
+// component, wired by a net (or net bus) of the design, and undoing it.
+#include "connectivity/bits.h"
+#include "design/prune.h"
+#include "events/events.h"
+#include "events/paths.h"
+#include "kalcomponent.h"
+#include "kaldesign.h"
+#include "kalnet.h"
+#include "kalport.h"
+
+namespace {
+
+const std::string kChangeConnect("ChangeConnect"), kTrue("true");
+
+void markChanged(kalcomponent* enclosing) {
+    if (enclosing) enclosing->setAttributeValue(&kChangeConnect, &kTrue);
+}
+
+std::string topNameFor(const std::string* topName, const kalcomponent* inner, const std::string& innerName) {
+    if (topName && !topName->empty()) return *topName;
+    return kalpaths::instanceName(inner) + "_" + innerName;
+}
+
+// Removes a net from its design under the export rule; true when it is gone.
+bool dropIfDangling(kalnet* net) {
+    if (!kalprune::shouldPrune(net) || !net->getDesign()) return false;
+    const std::string name = *net->getName();
+    return net->getDesign()->removeNet(&name);
+}
+
+int exportPort(kalport* port, const std::string& path, const std::string* netArg,
+               const std::string* topName) {
+    kalcomponent* inner = port->getComponent();
+    kaldesign* design = inner ? inner->parentDesign : nullptr;
+    kalcomponent* enclosing = design ? design->owner : nullptr;
+    if (!enclosing) return 1;
+    const std::string topPortName = topNameFor(topName, inner, *port->getName());
+    kalnet* net = port->getNet();
+    if (!net) net = design->getNet(&topPortName);
+    if (!net) {
+        design->addNet(&topPortName, &topPortName, netArg, nullptr);
+        net = design->getNet(&topPortName);
+    }
+    if (net && enclosing->addPort(&topPortName, &topPortName, port->getDirection(), nullptr)) {
+        kalport* top = enclosing->getPort(&topPortName, false);
+        net->connect(port, false);
+        net->connect(top, false);
+        port->exportTo(top);
+        kalevents::record r("export", "add");
+        if (r) {
+            r.set("port", path);
+            r.set("topport", kalpaths::portPath(enclosing, topPortName));
+            r.set("net", kalpaths::designPath(design, topPortName));
+            r.send();
+        }
+    }
+    markChanged(enclosing);
+    return 1;
+}
+
+int exportPortbus(kalportbus* bus, const std::string& path, const std::string* netArg,
+                  const std::string* topName) {
+    kalcomponent* inner = bus->getComponent();
+    kaldesign* design = inner ? inner->parentDesign : nullptr;
+    kalcomponent* enclosing = design ? design->owner : nullptr;
+    if (!enclosing) return 1;
+    const std::string topPortName = topNameFor(topName, inner, *bus->getName());
+    const unsigned int msb = bus->getMsb(), lsb = bus->getLsb();
+    bool ready = true;
+    if (!bus->getConnectedNetbus()) {
+        design->addNetbus(&topPortName, netArg, &topPortName, msb, lsb, nullptr);
+        ready = design->getNetbus(&topPortName) != nullptr;
+    }
+    if (ready) {
+        // Only a net bus bearing the top port's name is used, even when the bus was connected elsewhere.
+        kalnetbus* netbus = design->getNetbus(&topPortName);
+        enclosing->addPortbus(&topPortName, &topPortName, msb, lsb, bus->getDirection(), nullptr);
+        kalportbus* topBus = enclosing->getPortbus(&topPortName, false);
+        bus->connectToNetbus(netbus);
+        if (topBus) topBus->connectToNetbus(netbus);
+        bus->exportTo(topBus);
+        kalevents::record r("export", "add");
+        if (r) {
+            r.set("portbus", path);
+            r.set("topportbus", kalpaths::portPath(enclosing, topPortName));
+            r.set("netbus", kalpaths::designPath(netbus ? netbus->getDesign() : design, topPortName));
+            r.send();
+        }
+    }
+    markChanged(enclosing);
+    return 1;
+}
+
+int unexportPort(kalport* port) {
+    kalport* top = port->getExportedTo();
+    if (!top) return 0;
+    kalcomponent* inner = port->getComponent();
+    kaldesign* design = inner ? inner->parentDesign : nullptr;
+    kalcomponent* enclosing = design ? design->owner : nullptr;
+    port->unexport();
+    kalnet* net = port->getNet();
+    if (net) net->disconnect(top, false);
+    const std::string topPortName = *top->getName();
+    kalcomponent* topOwner = top->getComponent();
+    const std::string topPath = topOwner ? kalpaths::portPath(top) : std::string();
+    const std::string netPath =
+        net ? kalpaths::designPath(design ? design : net->getDesign(), topPortName) : std::string();
+    if (topOwner) topOwner->removePort(&topPortName);
+    const bool netGone = !net || dropIfDangling(net);
+    markChanged(enclosing);
+    kalevents::record r("export", "rem");
+    if (r) {
+        if (netGone) r.set("net", netPath);
+        r.set("port", *port->getName());
+        r.set("topport", topPath);
+        r.send();
+    }
+    return 1;
+}
+
+// The bus export is undone only when it hangs together: every bit on a net of
+// one net bus, each net reaching exactly one top port, all bits exported to
+// bits of one top port bus.
+kalportbus* consistentTopBus(kalportbus* bus, kalnetbus*& netbus) {
+    kalportbus* topBus = nullptr;
+    bool any = false;
+    netbus = nullptr;
+    for (kalport* bit : bus->getBits()) {
+        if (!bit) continue;
+        kalnet* net = bit->getNet();
+        if (!net || !net->getBus()) return nullptr;
+        if (any && net->getBus() != netbus) return nullptr;
+        if (net->getTop().size() != 1) return nullptr;
+        kalport* target = bit->getExportedTo();
+        kalportbus* targetBus = target ? target->getBus() : nullptr;
+        if (!targetBus || (any && targetBus != topBus)) return nullptr;
+        netbus = net->getBus();
+        topBus = targetBus;
+        any = true;
+    }
+    return topBus;
+}
+
+int unexportPortbus(kalportbus* bus) {
+    kalnetbus* netbus = nullptr;
+    kalportbus* topBus = consistentTopBus(bus, netbus);
+    if (!topBus) return 0;
+    kalcomponent* inner = bus->getComponent();
+    kaldesign* design = inner ? inner->parentDesign : nullptr;
+    kalcomponent* enclosing = design ? design->owner : nullptr;
+    const std::string topBusName = *topBus->getName();
+    const std::string netbusPath =
+        kalpaths::designPath(netbus->getDesign(), topBusName);  // before its bits go
+    const unsigned int width = kalbits::width(topBus->getMsb(), topBus->getLsb());
+    bus->unexport();
+    unsigned int removed = 0;
+    for (kalport* bit : topBus->getBits()) {
+        kalnet* net = bit ? bit->getNet() : nullptr;
+        if (!net) continue;
+        net->disconnect(bit, false);
+        if (dropIfDangling(net)) ++removed;
+    }
+    kalcomponent* topOwner = topBus->getComponent();
+    const std::string topPath = kalpaths::portPath(topOwner ? topOwner : enclosing, topBusName);
+    if (topOwner) topOwner->deletePortbus(&topBusName);
+    markChanged(enclosing);
+    kalevents::record r("export", "rem");
+    if (r) {
+        if (removed == width) r.set("netbus", netbusPath);
+        r.set("portbus", *bus->getName());
+        r.set("topportbus", topPath);
+        r.send();
+    }
+    return 1;
+}
+
+}  // namespace
+
+int kalcomponent::addExport(std::string path, bool hierarchical, const std::string* netArg,
+                            const std::string* topName) {
+    kalport* port = getPort(&path, hierarchical);
+    kalportbus* bus = getPortbus(&path, hierarchical);
+    if (port) return exportPort(port, path, netArg, topName);
+    if (bus) return exportPortbus(bus, path, netArg, topName);
+    return 0;
+}
+
+int kalcomponent::removeExport(std::string path, bool hierarchical) {
+    kalport* port = getPort(&path, hierarchical);
+    kalportbus* bus = getPortbus(&path, hierarchical);
+    if (port) return unexportPort(port);
+    if (bus) return unexportPortbus(bus);
+    return 0;
+}

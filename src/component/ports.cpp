@@ -1,0 +1,229 @@
+// Port and port bus management of a component: adding, finding, renaming and
+// removing, with the records that announce renames and removals.
+#include <memory>
+
+#include "connectivity/access.h"
+#include "kalcomponent.h"
+#include "kalport.h"
+#include "kalutilities.h"
+
+namespace {
+
+template <class Map>
+typename Map::mapped_type find(Map& m, const std::string& name) {
+    auto it = m.find(name);
+    return it == m.end() ? nullptr : it->second;
+}
+
+// Resolves "top/u1/a" to the component named by all but the last part and
+// hands back the last part.
+kalcomponent* resolveOwner(kalcomponent* self, const std::string& path, std::string& leaf) {
+    static const std::string slash("/");
+    std::unique_ptr<std::vector<std::string>> parts(kalutilities::deconstructString(&path, &slash));
+    leaf = parts->back();
+    parts->pop_back();
+    std::unique_ptr<std::string> owner(kalutilities::reconstructString(parts.get(), &slash));
+    return self->getComponent(owner.get());
+}
+
+}  // namespace
+
+int kalcomponent::addPort(const std::string* name, const std::string* second, int direction,
+                          const std::string* fourth) {
+    if (!name || !second || data->ports.count(*name)) return 0;
+    auto* port = new kalport(name, second, direction, fourth);
+    data->ports.emplace(*name, port);
+    kalaccess::setComponent(port, this);
+    return 1;
+}
+
+int kalcomponent::addPortbus(const std::string* name, const std::string* second, unsigned int msb,
+                             unsigned int lsb, int direction, const std::string* fourth) {
+    if (!name || !second || data->portbuses.count(*name)) return 0;
+    auto* bus = new kalportbus(name, second, msb, lsb, direction, fourth);
+    data->portbuses.emplace(*name, bus);
+    kalaccess::setComponent(bus, this);
+    unsigned int low = msb < lsb ? msb : lsb, high = msb < lsb ? lsb : msb;
+    for (unsigned long long i = low; i <= high; ++i) {
+        const unsigned int bit = static_cast<unsigned int>(i);
+        std::unique_ptr<std::string> bitName(kalutilities::constructBusBit(name, bit));
+        std::unique_ptr<std::string> bitSecond(kalutilities::constructBusBit(second, bit));
+        addPort(bitName.get(), bitSecond.get(), direction, fourth);
+        kalport* port = getPort(bitName.get(), false);  // an existing port of that name becomes the bit
+        if (!port) continue;
+        bus->connect(bit, port);
+        port->setBus(bus);
+    }
+    return 1;
+}
+
+kalport* kalcomponent::getPort(const std::string* name, bool hierarchical) {
+    if (!name) return nullptr;
+    if (!hierarchical) return find(data->ports, *name);
+    std::string leaf;
+    kalcomponent* owner = resolveOwner(this, *name, leaf);
+    return owner ? owner->getPort(&leaf, false) : nullptr;
+}
+
+kalportbus* kalcomponent::getPortbus(const std::string* name, bool hierarchical) {
+    if (!name) return nullptr;
+    if (!hierarchical) return find(data->portbuses, *name);
+    std::string leaf;
+    kalcomponent* owner = resolveOwner(this, *name, leaf);
+    return owner ? owner->getPortbus(&leaf, false) : nullptr;
+}
+
+#include "events/events.h"
+#include "events/paths.h"
+#include "kaldesign.h"
+#include "kalnet.h"
+
+namespace {
+
+void sendRename(const char* category, const kalcomponent* owner, const std::string& from,
+                const std::string& to) {
+    kalevents::record r(category, "rnm");
+    if (!r) return;
+    r.set("oname", kalpaths::portPath(owner, from));
+    r.set("nname", kalpaths::portPath(owner, to));
+    r.send();
+}
+
+void sendRemoval(const char* category, const char* key, const std::string& path) {
+    kalevents::record r(category, "rem");
+    if (!r) return;
+    r.set(key, path);
+    r.send();
+}
+
+// Walks a port bus's slots with the bit number each stands for, msb first.
+template <class Visit>
+void forEachBit(const std::vector<kalport*>& slots, unsigned int msb, unsigned int lsb, Visit visit) {
+    unsigned int index = msb;
+    for (kalport* p : slots) {
+        visit(p, index);
+        index = msb <= lsb ? index + 1 : index - 1;
+    }
+}
+
+}  // namespace
+
+int kalcomponent::changePortName(const std::string* oldName, const std::string* newName) {
+    if (!oldName || !newName || oldName->empty() || newName->empty()) return 0;
+    if (*oldName == *newName) return 1;
+    auto& ports = data->ports;
+    auto it = ports.find(*oldName);
+    if (it == ports.end() || ports.count(*newName)) return 0;
+    const std::string from = *oldName, to = *newName;  // either may be the port's own name
+    kalport* port = it->second;
+    ports.erase(it);
+    if (!ports.emplace(to, port).second) {
+        ports.emplace(from, port);
+        return 0;
+    }
+    kalaccess::setName(port, &to);
+    kalaccess::setSecondName(port, &to);
+    sendRename("port", port->getComponent(), from, to);
+    return 1;
+}
+
+int kalcomponent::changePortbusName(const std::string* oldName, const std::string* newName) {
+    if (!oldName || !newName || oldName->empty() || newName->empty()) return 0;
+    if (*oldName == *newName) return 1;
+    auto& buses = data->portbuses;
+    auto it = buses.find(*oldName);
+    if (it == buses.end() || buses.count(*newName)) return 0;
+    const std::string from = *oldName, to = *newName;
+    kalportbus* bus = it->second;
+    buses.erase(it);
+    const std::vector<kalport*> slots = bus->getBits();
+    std::vector<std::string> names;
+    bool clash = false;
+    forEachBit(slots, bus->getMsb(), bus->getLsb(), [&](kalport* p, unsigned int index) {
+        if (!p || clash) return;
+        std::unique_ptr<std::string> n(kalutilities::constructBusBit(&to, index));
+        if (data->ports.count(*n)) clash = true;
+        names.push_back(*n);
+    });
+    if (clash) {
+        buses.emplace(from, bus);
+        return 0;
+    }
+    std::size_t next = 0;
+    for (kalport* p : slots) {
+        if (!p) continue;
+        const std::string& bitName = names[next++];
+        data->ports.erase(*p->getName());
+        kalaccess::setName(p, &bitName);
+        kalaccess::setSecondName(p, &bitName);
+        data->ports.emplace(bitName, p);
+    }
+    buses.emplace(to, bus);
+    kalaccess::setName(bus, &to);
+    kalaccess::setSecondName(bus, &to);
+    sendRename("portbus", bus->getComponent(), from, to);
+    return 1;
+}
+
+int kalcomponent::removePort(const std::string* name) {
+    if (!name) return 0;
+    auto it = data->ports.find(*name);
+    if (it == data->ports.end()) return 0;
+    const std::string portName = *name;  // may be the port's own name
+    kalport* port = it->second;
+    const std::string path = kalpaths::portPath(port->getComponent(), portName);
+    if (kalportbus* bus = port->getBus()) {
+        const std::string busName = *bus->getName();
+        removePortbus(&busName);
+    }
+    data->ports.erase(portName);
+    delete port;
+    sendRemoval("port", "topport", path);
+    return 1;
+}
+
+int kalcomponent::removePortbus(const std::string* name) {
+    if (!name) return 0;
+    auto it = data->portbuses.find(*name);
+    if (it == data->portbuses.end()) return 0;
+    const std::string busName = *name;
+    kalportbus* bus = it->second;
+    const std::vector<kalport*> bits = bus->getBits();
+    const std::string path = kalpaths::portPath(bus->getComponent(), busName);
+    data->portbuses.erase(it);
+    delete bus;  // the bits stay as scalar ports, their bus links cleared
+    sendRemoval("portbus", "topportbus", path);
+    for (kalport* bit : bits) {
+        kalnet* net = bit ? bit->getNet() : nullptr;
+        if (!net) continue;
+        kalevents::record r("net", "add");
+        if (!r) continue;
+        r.set("net", kalpaths::designPath(net->getDesign(), *net->getName()));
+        for (kalport* p : net->getPorts()) {
+            if (p->getComponent() && !p->getComponent()->parentDesign) {
+                r.set("topport", kalpaths::portPath(p));
+                break;
+            }
+        }
+        r.send();
+    }
+    return 1;
+}
+
+int kalcomponent::deletePortbus(const std::string* name) {
+    if (!name) return 0;
+    auto it = data->portbuses.find(*name);
+    if (it == data->portbuses.end()) return 0;
+    const std::string busName = *name;
+    kalportbus* bus = it->second;
+    for (kalport* bit : bus->getBits()) {
+        if (!bit) continue;
+        bit->unsetBus();
+        const std::string bitName = *bit->getName();
+        removePort(&bitName);
+    }
+    kalaccess::clearBits(bus);
+    data->portbuses.erase(busName);
+    delete bus;
+    return 1;
+}

@@ -1,0 +1,48 @@
+#include "connectivity/access.h"
+
+#include "connectivity/portlist.h"
+#include "kalcomponent.h"
+
+template <class Change>
+void kalaccess::rekeyAround(kalport* p, Change change) {
+    kalnet* net = p->getNet();
+    kalportlist* list = net ? net->ports : nullptr;
+    if (!list) {
+        change();
+        return;
+    }
+    std::string oldKey = kalportlist::key(p);
+    change();
+    list->rekey(p, oldKey);
+}
+
+void kalaccess::setComponent(kalport* p, kalcomponent* c) {
+    rekeyAround(p, [&] { p->setComponent(c); });
+}
+
+void kalaccess::setName(kalport* p, const std::string* n) {
+    if (!n) return;
+    rekeyAround(p, [&] { p->setName(n); });
+}
+
+void kalaccess::setInstanceName(kalcomponent* c, const std::string& name) {
+    kalcomponentdata* d = c->data;
+    std::string* fresh = new std::string(name);
+    // Ports on nets are re-keyed one by one; the swap happens once for all.
+    struct keyed {
+        kalport* port;
+        std::string oldKey;
+    };
+    std::vector<keyed> connected;
+    for (auto& entry : d->ports)
+        if (entry.second && entry.second->getNet() && entry.second->getNet()->ports)
+            connected.push_back({entry.second, kalportlist::key(entry.second)});
+    delete d->instanceName;
+    d->instanceName = fresh;
+    for (auto& k : connected)
+        k.port->getNet()->ports->rekey(k.port, k.oldKey);
+}
+
+void kalaccess::portLeft(kalnet* net, const kalport* p) {
+    if (net && net->ports && net->ports->listsPointer(p)) net->ports->markStray();
+}

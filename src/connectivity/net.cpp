@@ -1,0 +1,354 @@
+#include "connectivity/access.h"
+#include "connectivity/bits.h"
+#include "connectivity/portlist.h"
+#include "events/events.h"
+#include "events/paths.h"
+#include "kalcomponent.h"
+#include "kaldesign.h"
+#include "kalelements.h"
+#include "kalnet.h"
+#include "kalport.h"
+
+namespace {
+
+std::string* copyOf(const std::string* s) {
+    return s ? new std::string(*s) : nullptr;
+}
+
+bool sameText(const std::string* a, const std::string* b) {
+    if (!a || !b) return a == b;
+    return *a == *b;
+}
+
+// Clock-source bookkeeping: when the catalogue element named like the port is
+// marked "CLK_SRC", connecting sets the component's state to 1, disconnecting
+// to 2. A component being torn down has no catalogue any more.
+void markClockSource(kalport* port, int state) {
+    static const std::string clkSrc("CLK_SRC");
+    kalcomponent* c = port->getComponent();
+    kalelements* catalogue = c && c->data ? c->data->elements : nullptr;
+    kalelement* element = catalogue ? catalogue->getElement(port->getName()) : nullptr;
+    if (!element) return;
+    const std::string* v = element->getAttributeValue(&clkSrc);
+    if (v && *v == "true") c->setClockSourceState(state);
+}
+
+// A port on the net is a top port when it belongs to the component that owns
+// the net's design.
+bool isTopPort(const kalport* port, const kaldesign* design) {
+    const kalcomponent* c = port->getComponent();
+    const kalcomponent* owner = design ? design->owner : nullptr;
+    if (!c || !owner) return false;
+    return c == owner || *c == *owner;
+}
+
+}  // namespace
+
+// ---- kalnet ----
+
+kalnet::kalnet(const std::string* name_, const std::string* secondName_, const std::string* text_)
+    : design(nullptr), name(nullptr), secondName(nullptr), text(nullptr), bus(nullptr), ports(nullptr) {
+    if (!name_ || !secondName_) return;
+    name = copyOf(name_);
+    secondName = copyOf(secondName_);
+    text = copyOf(text_);
+    ports = new kalportlist();
+}
+
+bool kalnet::isConnectedTo(kalport* port) {
+    return port && ports && ports->containsEqual(port);
+}
+
+void kalnet::connect(kalport* port, bool flag) {
+    if (!port || !ports || isConnectedTo(port)) return;
+    ports->append(port);
+    port->connect(this);
+    if (flag) markClockSource(port, 1);
+}
+
+void kalnet::disconnect(kalport* port, bool flag) {
+    if (!port || !ports) return;
+    std::ptrdiff_t at = ports->firstEqual(port);
+    if (at < 0) return;
+    ports->eraseAt(static_cast<std::size_t>(at));
+    port->disconnect(this);
+    kalevents::record r("connect", "rem");
+    if (r) {
+        r.set("net", kalpaths::designPath(design, name ? *name : std::string()));
+        r.set("port", kalpaths::portPathInDesign(port));
+        r.send();
+    }
+    if (flag) markClockSource(port, 2);
+}
+
+void kalnet::setBus(kalnetbus* b) {
+    if (b) bus = b;
+}
+void kalnet::unsetBus() {
+    bus = nullptr;
+}
+
+std::vector<kalport*> kalnet::getTop() {
+    std::vector<kalport*> out;
+    if (!ports) return out;
+    for (kalport* p : ports->order)
+        if (isTopPort(p, design)) out.push_back(p);
+    return out;
+}
+
+namespace {
+// Instance ports drive on 2/3 and receive on 1/3; top ports the other way round.
+std::vector<kalport*> classify(const kalportlist* ports, const kaldesign* design, bool sources) {
+    std::vector<kalport*> out;
+    if (!ports) return out;
+    for (kalport* p : ports->order) {
+        int d = p->getDirection();
+        bool top = isTopPort(p, design);
+        bool drives = top ? (d == 1 || d == 3) : (d == 2 || d == 3);
+        bool receives = top ? (d == 2 || d == 3) : (d == 1 || d == 3);
+        if (sources ? drives : receives) out.push_back(p);
+    }
+    return out;
+}
+}  // namespace
+
+std::vector<kalport*> kalnet::getSources() {
+    return classify(ports, design, true);
+}
+std::vector<kalport*> kalnet::getSinks() {
+    return classify(ports, design, false);
+}
+
+bool kalnet::operator==(const kalnet& other) const {
+    if (this == &other) return true;
+    if (!sameText(name, other.name) || !sameText(secondName, other.secondName)) return false;
+    if (design == other.design || !design || !other.design) return true;
+    return *design == *other.design;
+}
+
+bool kalnet::operator!=(const kalnet& other) const {
+    return !(*this == other);
+}
+
+kalnet::~kalnet() {
+    if (ports) {
+        while (!ports->order.empty())
+            ports->popBack()->disconnect(this);
+        delete ports;
+        ports = nullptr;
+    }
+    if (bus) {
+        kalnetbus* b = bus;
+        b->disconnect(this);
+        if (b->getDesign() && b->getName()) {
+            const std::string busName = *b->getName();  // the design may drop the bus's name with it
+            b->getDesign()->removeNetbus(&busName);
+        }
+        // Deleting one bit net deletes its whole bus; the other bits survive.
+        if (bus) delete bus;
+        bus = nullptr;
+    }
+    delete name;
+    delete secondName;
+    delete text;
+}
+
+kaldesign* kalnet::getDesign() const {
+    return design;
+}
+const std::string* kalnet::getName() const {
+    return name;
+}
+const std::string* kalnet::getSecondName() const {
+    return secondName;
+}
+const std::string* kalnet::getText() const {
+    return text;
+}
+kalnetbus* kalnet::getBus() const {
+    return bus;
+}
+std::vector<kalport*> kalnet::getPorts() const {
+    return ports ? ports->order : std::vector<kalport*>();
+}
+
+void kalnet::setDesign(kaldesign* d) {
+    design = d;
+}
+void kalnet::setName(const std::string* n) {
+    if (!n) return;
+    delete name;
+    name = copyOf(n);
+}
+void kalnet::setSecondName(const std::string* n) {
+    if (!n) return;
+    delete secondName;
+    secondName = copyOf(n);
+}
+
+// ---- kalnetbus ----
+
+kalnetbus::kalnetbus(const std::string* name_, const std::string* secondName_, unsigned int msb_,
+                     unsigned int lsb_, const std::string* text_)
+    : design(nullptr), name(nullptr), secondName(nullptr), text(nullptr), bits(nullptr), msb(0), lsb(0) {
+    if (!name_ || !secondName_) return;
+    name = copyOf(name_);
+    secondName = copyOf(secondName_);
+    text = copyOf(text_);
+    msb = msb_;
+    lsb = lsb_;
+    bits = new std::vector<kalnet*>(kalbits::width(msb, lsb), nullptr);
+}
+
+kalnetbus* kalnetbus::createNetBus(const std::string* name, const std::string* secondName, unsigned int msb,
+                                   unsigned int lsb, const std::vector<kalnet*>& nets,
+                                   const std::string* text) {
+    auto* b = new kalnetbus(name, secondName, msb, lsb, text);
+    delete b->bits;
+    b->bits = new std::vector<kalnet*>(nets);
+    for (kalnet* n : nets)
+        if (n) n->setBus(b);
+    return b;
+}
+
+kalnet* kalnetbus::netAtIndex(unsigned int i) {
+    if (!bits || !kalbits::inRange(i, msb, lsb)) return nullptr;
+    return bits->at(kalbits::slot(i, msb));  // a short slot vector raises out_of_range
+}
+
+void kalnetbus::connect(unsigned int i, kalnet* net) {
+    if (!net || !bits || !kalbits::inRange(i, msb, lsb)) return;
+    std::size_t s = kalbits::slot(i, msb);
+    if (s >= bits->size()) return;
+    disconnect(i);
+    (*bits)[s] = net;
+    net->setBus(this);
+}
+
+void kalnetbus::disconnect(unsigned int i) {
+    if (!bits || !kalbits::inRange(i, msb, lsb)) return;
+    std::size_t s = kalbits::slot(i, msb);
+    if (s >= bits->size()) return;
+    (*bits)[s] = nullptr;  // the net that was there keeps its bus link
+}
+
+void kalnetbus::disconnect(kalnet* net) {
+    if (!net || !bits) return;
+    for (kalnet*& n : *bits) {
+        if (n && *n == *net) {
+            n = nullptr;  // both nets keep their bus links
+            return;
+        }
+    }
+}
+
+bool kalnetbus::hasSoucePortsInNetBus() {
+    if (!bits || bits->empty()) return false;
+    // Only slot 0 is ever examined; while it has no source this does not
+    // return. The volatile read keeps the wait well-defined.
+    kalnet* const volatile* first = bits->data();
+    for (;;) {
+        kalnet* n = *first;
+        if (n && !n->getSources().empty()) return true;
+    }
+}
+
+void kalnetbus::setAttribute(const std::string* n, const std::string* value, const std::string* vendor,
+                             bool propagate) {
+    kalattributes::setAttribute(n, value, vendor);
+    if (propagate && bits)
+        for (kalnet* b : *bits)
+            if (b) b->setAttribute(n, value, vendor);
+}
+
+void kalnetbus::setAttributeValue(const std::string* n, const std::string* value, bool propagate) {
+    kalattributes::setAttributeValue(n, value);
+    if (propagate && bits)
+        for (kalnet* b : *bits)
+            if (b) b->setAttributeValue(n, value);
+}
+
+void kalnetbus::removeAttribute(const std::string* n, bool propagate) {
+    kalattributes::removeAttribute(n);
+    if (propagate && bits)
+        for (kalnet* b : *bits)
+            if (b) b->removeAttribute(n);
+}
+
+void kalnetbus::removeAllAttributes(bool propagate) {
+    kalattributes::removeAllAttributes();
+    if (propagate && bits)
+        for (kalnet* b : *bits)
+            if (b) b->removeAllAttributes();
+}
+
+kalnetbus::~kalnetbus() {
+    if (bits) {
+        for (kalnet* n : *bits)
+            if (n) n->unsetBus();
+        delete bits;
+    }
+    delete name;
+    delete secondName;
+    delete text;
+}
+
+kaldesign* kalnetbus::getDesign() const {
+    return design;
+}
+const std::string* kalnetbus::getName() const {
+    return name;
+}
+const std::string* kalnetbus::getSecondName() const {
+    return secondName;
+}
+const std::string* kalnetbus::getText() const {
+    return text;
+}
+std::vector<kalnet*> kalnetbus::getBits() const {
+    return bits ? *bits : std::vector<kalnet*>();
+}
+unsigned int kalnetbus::getMsb() const {
+    return msb;
+}
+unsigned int kalnetbus::getLsb() const {
+    return lsb;
+}
+
+void kalnetbus::setDesign(kaldesign* d) {
+    design = d;
+}
+void kalnetbus::setName(const std::string* n) {
+    if (!n) return;
+    delete name;
+    name = copyOf(n);
+}
+void kalnetbus::setSecondName(const std::string* n) {
+    if (!n) return;
+    delete secondName;
+    secondName = copyOf(n);
+}
+void kalnetbus::setRange(unsigned int msb_, unsigned int lsb_) {
+    msb = msb_;
+    lsb = lsb_;
+}
+void kalnetbus::clearBits() {
+    if (bits) bits->clear();
+}
+
+// ---- free queries ----
+
+namespace {
+bool typeIsInternal(kalattributes& a) {
+    static const std::string type("type");
+    const std::string* v = a.getAttributeValue(&type);
+    return v && *v == "internal";
+}
+}  // namespace
+
+bool isInternalConnection(kalnet* net) {
+    return net && typeIsInternal(*net);
+}
+bool isInternalConnection(kalnetbus* netbus) {
+    return netbus && typeIsInternal(*netbus);
+}

@@ -1,0 +1,476 @@
+#include "connectivity/access.h"
+#include "connectivity/bits.h"
+#include "events/paths.h"
+#include "kalcomponent.h"
+#include "kaldualport.h"
+#include "kalnet.h"
+#include "kalport.h"
+
+namespace {
+
+std::string* copyOf(const std::string* s) {
+    return s ? new std::string(*s) : nullptr;
+}
+
+bool sameText(const std::string* a, const std::string* b) {
+    if (!a || !b) return a == b;
+    return *a == *b;
+}
+
+bool validDirection(int d) {
+    return d >= 1 && d <= 3;
+}
+
+const std::string& exportFromKey() {
+    static const std::string k("exportFrom");
+    return k;
+}
+
+std::string exportFromValue(const kalcomponent* c, const std::string* name) {
+    std::string v = c && c->data && c->data->instanceName ? *c->data->instanceName : std::string();
+    v.append(".").append(name ? *name : std::string());
+    return v;
+}
+
+}  // namespace
+
+// ---- kalport ----
+
+kalport::kalport(const std::string* name_, const std::string* secondName_, int direction_,
+                 const std::string* text_)
+    : component(nullptr),
+      name(nullptr),
+      secondName(nullptr),
+      text(nullptr),
+      bus(nullptr),
+      net(nullptr),
+      direction(0),
+      exportedTo(nullptr),
+      exportedFrom(nullptr),
+      dualPort(nullptr) {
+    if (!name_ || !secondName_ || !validDirection(direction_)) return;
+    name = copyOf(name_);
+    secondName = copyOf(secondName_);
+    text = copyOf(text_);
+    direction = direction_;
+}
+
+void kalport::setBus(kalportbus* b) {
+    if (b) bus = b;
+}
+void kalport::unsetBus() {
+    bus = nullptr;
+}
+kaldualport* kalport::getDualPort() {
+    return dualPort;
+}
+
+void kalport::connect(kalnet* n) {
+    kalnet* old = net;
+    if (!n) {
+        disconnect(net);
+        return;
+    }
+    if (net && *net != *n) disconnect(net);
+    net = n;
+    if (old && old != n) kalaccess::portLeft(old, this);
+}
+
+void kalport::disconnect(kalnet* n) {
+    if (!net || !n || !(*net == *n)) return;
+    kalnet* old = net;
+    if (n->isConnectedTo(this)) n->disconnect(this, true);
+    net = nullptr;
+    if (old != n) kalaccess::portLeft(old, this);
+}
+
+bool kalport::exportTo(kalport* target) {
+    if (!net) return false;
+    if (!target) {
+        unexport();
+        return true;
+    }
+    if (target->net != net) return false;
+    unexport();
+    if (target->exportedFrom) target->exportedFrom->unexport();
+    target->exportedFrom = this;
+    std::string value = exportFromValue(component, name);
+    target->setAttributeValue(&exportFromKey(), &value);
+    exportedTo = target;
+    return true;
+}
+
+void kalport::unexport() {
+    if (!exportedTo) return;
+    exportedTo->exportedFrom = nullptr;
+    exportedTo = nullptr;
+}
+
+kalport* kalport::getExportedFrom() {
+    return exportedFrom;
+}
+kalport* kalport::getExportedTo() {
+    return exportedTo;
+}
+
+std::vector<kalport*> kalport::getConnectedPorts() {
+    std::vector<kalport*> out;
+    if (!net) return out;
+    for (kalport* p : net->getPorts())
+        if (!(*p == *this)) out.push_back(p);
+    return out;
+}
+
+std::vector<kalport*> kalport::getPortsOfDualPort() {
+    std::vector<kalport*> out;
+    if (!dualPort) return out;
+    out = dualPort->getPortList();
+    for (auto it = out.begin(); it != out.end(); ++it) {
+        if (*it == this) {
+            out.erase(it);
+            break;
+        }
+    }
+    return out;
+}
+
+bool kalport::operator==(const kalport& other) const {
+    if (this == &other) return true;
+    if (!sameText(name, other.name) || !sameText(secondName, other.secondName)) return false;
+    if (component == other.component) return true;
+    if (!component || !other.component) return false;
+    return *component == *other.component;
+}
+
+bool kalport::operator!=(const kalport& other) const {
+    return !(*this == other);
+}
+
+kalport::~kalport() {
+    if (net) net->disconnect(this, true);
+    if (bus) bus->disconnect(this);
+    if (dualPort) dualPort->removePort(kalpaths::portPath(this));
+    delete name;
+    delete secondName;
+    delete text;
+}
+
+kalcomponent* kalport::getComponent() const {
+    return component;
+}
+const std::string* kalport::getName() const {
+    return name;
+}
+const std::string* kalport::getSecondName() const {
+    return secondName;
+}
+const std::string* kalport::getText() const {
+    return text;
+}
+kalportbus* kalport::getBus() const {
+    return bus;
+}
+kalnet* kalport::getNet() const {
+    return net;
+}
+int kalport::getDirection() const {
+    return direction;
+}
+
+void kalport::setComponent(kalcomponent* c) {
+    component = c;
+}
+void kalport::setName(const std::string* n) {
+    if (!n) return;
+    delete name;
+    name = copyOf(n);
+}
+void kalport::setSecondName(const std::string* n) {
+    if (!n) return;
+    delete secondName;
+    secondName = copyOf(n);
+}
+void kalport::setDualPort(kaldualport* d) {
+    dualPort = d;
+}
+
+// ---- kalportbus ----
+
+kalportbus::kalportbus(const std::string* name_, const std::string* secondName_, unsigned int msb_,
+                       unsigned int lsb_, int direction_, const std::string* text_)
+    : component(nullptr),
+      name(nullptr),
+      secondName(nullptr),
+      text(nullptr),
+      bits(nullptr),
+      direction(0),
+      msb(0),
+      lsb(0) {
+    if (!name_ || !secondName_ || !validDirection(direction_)) return;
+    name = copyOf(name_);
+    secondName = copyOf(secondName_);
+    text = copyOf(text_);
+    direction = direction_;
+    msb = msb_;
+    lsb = lsb_;
+    bits = new std::vector<kalport*>(kalbits::width(msb, lsb), nullptr);
+}
+
+namespace {
+// The slot of bit i, or null when i is outside the range or the slot vector.
+template <class T>
+T** slotOf(std::vector<T*>* bits, unsigned int i, unsigned int msb, unsigned int lsb) {
+    if (!bits || !kalbits::inRange(i, msb, lsb)) return nullptr;
+    std::size_t s = kalbits::slot(i, msb);
+    return s < bits->size() ? &(*bits)[s] : nullptr;
+}
+}  // namespace
+
+kalport* kalportbus::portAtIndex(unsigned int i) {
+    kalport** s = slotOf(bits, i, msb, lsb);
+    return s ? *s : nullptr;
+}
+
+void kalportbus::connect(unsigned int i, kalport* port) {
+    kalport** s = slotOf(bits, i, msb, lsb);
+    if (s && port) *s = port;
+}
+
+void kalportbus::disconnect(unsigned int i) {
+    kalport** s = slotOf(bits, i, msb, lsb);
+    if (s) *s = nullptr;
+}
+
+void kalportbus::disconnect(kalport* port) {
+    if (!port || !bits) return;
+    for (kalport*& p : *bits) {
+        if (p && *p == *port) {
+            p = nullptr;
+            return;
+        }
+    }
+}
+
+bool kalportbus::hasConnectedPort() {
+    if (!bits) return false;
+    for (kalport* p : *bits)
+        if (p && p->getNet()) return true;
+    return false;
+}
+
+kalnetbus* kalportbus::getConnectedNetbus() {
+    if (!bits || bits->empty()) return nullptr;
+    kalport* first = (*bits)[0];
+    kalnet* firstNet = first ? first->getNet() : nullptr;
+    kalnetbus* candidate = firstNet ? firstNet->getBus() : nullptr;
+    if (!candidate) return nullptr;
+    if (kalbits::width(candidate->getMsb(), candidate->getLsb()) != kalbits::width(msb, lsb)) return nullptr;
+    std::vector<kalnet*> nets = candidate->getBits();
+    if (nets.empty() || !nets[0] || *nets[0] != *firstNet) return nullptr;
+    for (std::size_t k = 1; k < bits->size(); ++k) {
+        kalport* p = (*bits)[k];
+        kalnet* n = p ? p->getNet() : nullptr;
+        if (!n || n->getBus() != candidate) return nullptr;
+        if (k >= nets.size() || !nets[k] || *nets[k] != *n) return nullptr;
+    }
+    return candidate;
+}
+
+bool kalportbus::connectToNetbus(kalnetbus* netbus) {
+    if (!netbus) return false;
+    if (kalbits::width(netbus->getMsb(), netbus->getLsb()) != kalbits::width(msb, lsb)) return false;
+    if (!bits) return true;
+    std::vector<kalnet*> nets = netbus->getBits();
+    for (std::size_t k = 0; k < bits->size() && k < nets.size(); ++k) {
+        kalport* p = (*bits)[k];
+        if (p && nets[k] && !nets[k]->isConnectedTo(p)) nets[k]->connect(p, false);
+    }
+    return true;
+}
+
+void kalportbus::exportTo(kalportbus* target) {
+    if (!target || !bits || bits->empty()) return;
+    std::vector<kalport*> targets = target->getBits();
+    for (std::size_t k = 0; k < bits->size(); ++k) {
+        kalport* p = (*bits)[k];
+        if (p) p->exportTo(k < targets.size() ? targets[k] : nullptr);
+    }
+    std::string value = exportFromValue(component, name);
+    target->setAttributeValue(&exportFromKey(), &value, false);
+}
+
+void kalportbus::unexport() {
+    if (!bits) return;
+    for (kalport* p : *bits)
+        if (p) p->unexport();
+}
+
+kalportbus* kalportbus::getExportedToBus() {
+    if (!bits || bits->empty() || !(*bits)[0]) return nullptr;
+    kalport* to = (*bits)[0]->getExportedTo();
+    kalportbus* candidate = to ? to->getBus() : nullptr;
+    if (!candidate) return nullptr;
+    return kalbits::width(candidate->getMsb(), candidate->getLsb()) == kalbits::width(msb, lsb) ? candidate
+                                                                                                : nullptr;
+}
+
+void kalportbus::setAttribute(const std::string* n, const std::string* value, const std::string* vendor,
+                              bool propagate) {
+    kalattributes::setAttribute(n, value, vendor);
+    if (propagate && bits)
+        for (kalport* p : *bits)
+            if (p) p->setAttribute(n, value, vendor);
+}
+
+void kalportbus::setAttributeValue(const std::string* n, const std::string* value, bool propagate) {
+    kalattributes::setAttributeValue(n, value);
+    if (propagate && bits)
+        for (kalport* p : *bits)
+            if (p) p->setAttributeValue(n, value);
+}
+
+void kalportbus::removeAttribute(const std::string* n, bool propagate) {
+    kalattributes::removeAttribute(n);
+    if (propagate && bits)
+        for (kalport* p : *bits)
+            if (p) p->removeAttribute(n);
+}
+
+void kalportbus::removeAllAttributes(bool propagate) {
+    kalattributes::removeAllAttributes();
+    if (propagate && bits)
+        for (kalport* p : *bits)
+            if (p) p->removeAllAttributes();
+}
+
+kalportbus::~kalportbus() {
+    if (bits) {
+        for (kalport* p : *bits)
+            if (p) p->unsetBus();
+        delete bits;
+    }
+    delete name;
+    delete secondName;
+    delete text;
+}
+
+kalcomponent* kalportbus::getComponent() const {
+    return component;
+}
+const std::string* kalportbus::getName() const {
+    return name;
+}
+const std::string* kalportbus::getSecondName() const {
+    return secondName;
+}
+const std::string* kalportbus::getText() const {
+    return text;
+}
+std::vector<kalport*> kalportbus::getBits() const {
+    return bits ? *bits : std::vector<kalport*>();
+}
+int kalportbus::getDirection() const {
+    return direction;
+}
+unsigned int kalportbus::getMsb() const {
+    return msb;
+}
+unsigned int kalportbus::getLsb() const {
+    return lsb;
+}
+
+void kalportbus::setComponent(kalcomponent* c) {
+    component = c;
+}
+void kalportbus::setName(const std::string* n) {
+    if (!n) return;
+    delete name;
+    name = copyOf(n);
+}
+void kalportbus::setSecondName(const std::string* n) {
+    if (!n) return;
+    delete secondName;
+    secondName = copyOf(n);
+}
+void kalportbus::clearBits() {
+    if (bits) bits->clear();
+}
+
+// ---- free queries that look through dual ports ----
+
+namespace {
+const std::string& padPinKey() {
+    static const std::string k("PadPin");
+    return k;
+}
+bool isTrue(const std::string* v) {
+    return v && *v == "true";
+}
+}  // namespace
+
+bool isPadPin(kalport* port) {
+    if (!port) return false;
+    if (port->getBus()) return isPadPinBus(port->getBus());
+    return isTrue(port->getAttributeValue(&padPinKey()));
+}
+
+bool isPadPinBus(kalportbus* portbus) {
+    return portbus && isTrue(portbus->getAttributeValue(&padPinKey()));
+}
+
+bool isPortOrDualPortConnected(kalport* port) {
+    if (!port) return false;
+    if (port->getNet()) return true;
+    kaldualport* dp = port->getDualPort();
+    if (!dp) return false;
+    for (kalport* p : dp->getPortList())
+        if (p && p->getNet()) return true;
+    return false;
+}
+
+kalnet* getNetConnectedToPortOrDualPort(kalport* port) {
+    if (!port) return nullptr;
+    if (port->getNet()) return port->getNet();
+    return port->getDualPort() ? port->getDualPort()->getConnectedNet() : nullptr;
+}
+
+kalport* getExportedToOfPortOrDualPort(kalport* port) {
+    if (!port) return nullptr;
+    if (port->getExportedTo()) return port->getExportedTo();
+    return port->getDualPort() ? port->getDualPort()->getExportedTo() : nullptr;
+}
+
+bool isDualPort(kalport* port) {
+    return port && port->getDualPort();
+}
+
+bool isDualPortbus(kalportbus* portbus) {
+    return portbus && isDualPort(portbus->portAtIndex(portbus->getMsb()));
+}
+
+kalnetbus* getNetbusConnectedToPortbusOrDualPortbus(kalportbus* portbus) {
+    if (!portbus) return nullptr;
+    if (kalnetbus* nb = portbus->getConnectedNetbus()) return nb;
+    if (portbus->hasConnectedPort()) return nullptr;
+    kalport* msbPort = portbus->portAtIndex(portbus->getMsb());
+    if (!msbPort) return nullptr;
+    for (kalport* partner : msbPort->getPortsOfDualPort()) {
+        kalportbus* b = partner ? partner->getBus() : nullptr;
+        if (!b) continue;
+        if (kalnetbus* nb = b->getConnectedNetbus()) return nb;
+        if (b->hasConnectedPort()) return nullptr;
+    }
+    return nullptr;
+}
+
+bool hasPortBitConnectedToPortbusOrDualPortbus(kalportbus* portbus) {
+    if (!portbus) return false;
+    if (portbus->hasConnectedPort()) return true;
+    kalport* msbPort = portbus->portAtIndex(portbus->getMsb());
+    if (!msbPort) return false;
+    for (kalport* partner : msbPort->getPortsOfDualPort()) {
+        kalportbus* b = partner ? partner->getBus() : nullptr;
+        if (b && b->hasConnectedPort()) return true;
+    }
+    return false;
+}

@@ -1,0 +1,46 @@
+// Connection editing: attaching ports to existing nets and detaching them,
+// with the net pruned when it no longer joins a driver to a receiver.
+#include "design/prune.h"
+#include "events/events.h"
+#include "events/paths.h"
+#include "kalcomponent.h"
+#include "kaldesign.h"
+#include "kalnet.h"
+#include "kalport.h"
+
+bool kaldesign::connect(const std::string* netName, const std::string* portName,
+                        const std::string* instanceName) {
+    // The instance is looked up as a hierarchical path first, then among this design's own instances.
+    kalcomponent* found = owner ? owner->getComponent(instanceName) : nullptr;
+    kalport* port = found ? found->getPort(portName, false) : getComponentPort(portName, instanceName);
+    if (!portName || !netName) return false;
+    kalnet* net = getNet(netName);
+    if (!net || !port || net->isConnectedTo(port)) return false;
+    net->connect(port, true);
+    kalevents::record r("net", "add");
+    if (r) {
+        r.set("net", kalpaths::designPath(net->getDesign(), *net->getName()));
+        if (port->getComponent() && !port->getComponent()->parentDesign)
+            r.set("topport", kalpaths::portPath(port));
+        r.send();
+    }
+    return true;
+}
+
+bool kaldesign::disconnect(const std::string* netName, const std::string* portName,
+                           const std::string* instanceName) {
+    if (!netName || !portName) return false;
+    kalnet* net = getNet(netName);
+    if (!net) return false;
+    // Only this design's own instances: a hierarchical path is not understood here.
+    kalport* port = getComponentPort(portName, instanceName);
+    if (!port || !net->isConnectedTo(port)) return false;
+    net->disconnect(port, true);
+    if (port->getExportedTo() && port->getComponent())
+        port->getComponent()->removeExport(*port->getName(), false);
+    if (kalprune::shouldPrune(net)) {
+        const std::string name = *netName;
+        removeNet(&name);
+    }
+    return true;
+}

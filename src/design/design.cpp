@@ -1,0 +1,254 @@
+#include <memory>
+
+#include "connectivity/access.h"
+#include "events/events.h"
+#include "events/paths.h"
+#include "kalcomponent.h"
+#include "kaldesign.h"
+#include "kaldualport.h"
+#include "kalelements.h"
+#include "kalnet.h"
+#include "kalport.h"
+#include "kalutilities.h"
+
+namespace {
+
+const std::string kVendor("Vendor"), kLibrary("Library"), kName("Name"), kVersion("Version"),
+    kSpirit("SPIRIT");
+
+bool sameText(const std::string* a, const std::string* b) {
+    if (!a || !b) return a == b;
+    return *a == *b;
+}
+
+template <class Map>
+typename Map::mapped_type find(Map* m, const std::string* name) {
+    if (!name) return nullptr;
+    auto it = m->find(*name);
+    return it == m->end() ? nullptr : it->second;
+}
+
+template <class Map>
+void destroyAll(Map* m) {
+    for (auto& entry : *m)
+        delete entry.second;
+    delete m;
+}
+
+bool equalComponents(const kalcomponent* a, const kalcomponent* b) {
+    if (a == b) return true;
+    return a && b && *a == *b;
+}
+
+}  // namespace
+
+// ---- kaldesigndata ----
+
+kaldesigndata::kaldesigndata()
+    : instanceMap(new std::map<std::string, kalcomponent*>()),
+      instanceList(new std::list<kalcomponent*>()),
+      netbusMap(new std::map<std::string, kalnetbus*>()),
+      netMap(new std::map<std::string, kalnet*>()),
+      dualPortMap(new std::map<std::string, kaldualport*>()),
+      dualPortbusMap(new std::map<std::string, kaldualportbus*>()),
+      virtualElementList(new std::list<kalelement*>()) {}
+
+kaldesigndata::~kaldesigndata() {
+    // Buses before their members: a dual port bus clears its members' bus links
+    // so that the dual ports do not call back into a design being torn down,
+    // and net buses release their bit nets before the nets go.
+    destroyAll(dualPortbusMap);
+    destroyAll(dualPortMap);
+    destroyAll(netbusMap);
+    destroyAll(netMap);
+    destroyAll(instanceMap);
+    delete instanceList;
+    delete virtualElementList;
+}
+
+std::map<std::string, kalcomponent*>* kaldesigndata::getInstanceMap() const {
+    return instanceMap;
+}
+std::list<kalcomponent*>* kaldesigndata::getInstanceList() const {
+    return instanceList;
+}
+std::map<std::string, kalnetbus*>* kaldesigndata::getNetbusMap() const {
+    return netbusMap;
+}
+std::map<std::string, kalnet*>* kaldesigndata::getNetMap() const {
+    return netMap;
+}
+std::map<std::string, kaldualport*>* kaldesigndata::getDualPortMap() const {
+    return dualPortMap;
+}
+std::map<std::string, kaldualportbus*>* kaldesigndata::getDualPortbusMap() const {
+    return dualPortbusMap;
+}
+std::list<kalelement*>* kaldesigndata::getVirtualElementList() const {
+    return virtualElementList;
+}
+
+// ---- construction and attributes ----
+
+kaldesign::kaldesign(const std::string* vendor, const std::string* library, const std::string* name,
+                     const std::string* version)
+    : identity(nullptr), owner(nullptr), data(nullptr) {
+    std::unique_ptr<kaldesigndata> d(new kaldesigndata());
+    std::unique_ptr<kalattributes> id(new kalattributes());
+    id->setAttribute(&kVendor, vendor, &kSpirit);
+    id->setAttribute(&kLibrary, library, &kSpirit);
+    id->setAttribute(&kName, name, &kSpirit);
+    id->setAttribute(&kVersion, version, &kSpirit);
+    data = d.release();
+    identity = id.release();
+}
+
+kaldesign::~kaldesign() {
+    delete identity;
+    identity = nullptr;
+    delete data;
+    data = nullptr;
+}
+
+void kaldesign::setAttribute(const std::string* key, const std::string* value, const std::string* vendor) {
+    data->setAttribute(key, value, vendor);
+}
+
+void kaldesign::removeAttribute(const std::string* key) {
+    data->removeAttribute(key);
+}
+
+// ---- lookups ----
+
+kalcomponent* kaldesign::getInstance(const std::string* name) {
+    if (!name || name->empty()) return owner;
+    return find(data->getInstanceMap(), name);
+}
+
+kalport* kaldesign::getComponentPort(const std::string* portName, const std::string* instanceName) {
+    if (!portName) return nullptr;
+    kalcomponent* c = instanceName && !instanceName->empty() ? getInstance(instanceName) : owner;
+    return c ? c->getPort(portName, false) : nullptr;
+}
+
+kalnetbus* kaldesign::getNetbus(const std::string* name) {
+    return find(data->getNetbusMap(), name);
+}
+
+kalnet* kaldesign::getNet(const std::string* name) {
+    return find(data->getNetMap(), name);
+}
+
+std::list<kalelement*>* kaldesign::getVirtualElements() {
+    static const std::string uvccio("UVCCIO");
+    std::list<kalelement*>* list = data->getVirtualElementList();
+    list->clear();
+    for (auto& entry : *data->getInstanceMap()) {
+        if (entry.first.empty() || !entry.second) continue;
+        kalelements* catalogue = entry.second->getElements();
+        if (!catalogue) continue;
+        for (auto& element : catalogue->getElementMap()) {
+            if (element.first.empty() || !element.second) continue;
+            if (element.second->hasAttribute(&uvccio)) list->push_back(element.second);
+        }
+    }
+    return list;
+}
+
+std::string kaldesign::getRelativeHierarchyName(kalport* port) const {
+    if (!port) return std::string();
+    std::string result = port->getName() ? *port->getName() : std::string();
+    for (kalcomponent* c = port->getComponent(); c;) {
+        const std::string* segment =
+            c->parentDesign ? c->data->instanceName : c->identity->getAttributeValue(&kName);
+        result = (segment ? *segment : std::string()) + "/" + result;
+        if (!c->parentDesign || c->parentDesign == this) break;
+        c = c->parentDesign->owner;
+    }
+    return result;
+}
+
+namespace {
+// Seen from inside, a top port drives on 1/3; an instance port drives on 2/3.
+bool drives(const kaldesign* design, const kalcomponent* c, int direction) {
+    if (!c) return false;
+    if (equalComponents(c, design->owner) && design->owner) return direction == 1 || direction == 3;
+    if (c->parentDesign && (c->parentDesign == design || *design == *c->parentDesign))
+        return direction == 2 || direction == 3;
+    return false;
+}
+}  // namespace
+
+bool kaldesign::isSourcePort(kalport* port) const {
+    return port && drives(this, port->getComponent(), port->getDirection());
+}
+
+bool kaldesign::isSourcePort(kalportbus* bus) const {
+    return bus && drives(this, bus->getComponent(), bus->getDirection());
+}
+
+bool kaldesign::operator==(const kaldesign& other) const {
+    if (this == &other) return true;
+    for (const std::string* key : {&kVendor, &kLibrary, &kName, &kVersion})
+        if (!sameText(identity->getAttributeValue(key), other.identity->getAttributeValue(key))) return false;
+    return equalComponents(owner, other.owner);
+}
+
+bool kaldesign::operator!=(const kaldesign& other) const {
+    return !(*this == other);
+}
+
+// ---- adding ----
+
+bool kaldesign::addInstance(std::string* name, kalcomponent* component) {
+    if (!name || !component || data->getInstanceMap()->count(*name)) return false;
+    data->getInstanceMap()->emplace(*name, component);
+    kalaccess::setInstanceName(component, *name);
+    component->parentDesign = this;
+    data->getInstanceList()->push_back(component);
+    kalevents::record r("design", "add");
+    if (r) {
+        r.set("instance", kalpaths::designPath(this, *component->data->instanceName));
+        r.send();
+    }
+    return true;
+}
+
+bool kaldesign::addNet(const std::string* name, const std::string* secondName, const std::string* type,
+                       const std::string* text) {
+    static const std::string typeKey("type");
+    auto* nets = data->getNetMap();
+    if (!name || !secondName || nets->count(*name)) return false;
+    auto* net = new kalnet(name, secondName, text);
+    if (type && !type->empty()) net->setAttribute(&typeKey, type, &kSpirit);
+    auto it = nets->emplace(*name, net).first;
+    kalaccess::setDesign(it->second, this);
+    return true;
+}
+
+bool kaldesign::addNetbus(const std::string* name, const std::string* type, const std::string* secondName,
+                          unsigned int first, unsigned int last, const std::string* text) {
+    static const std::string typeKey("type");
+    if (!name || !secondName || data->getNetbusMap()->count(*name)) return false;
+    std::vector<kalnet*> bits;
+    // The walk compares as signed 32-bit values; bounds from 2^31 up are not supported.
+    const long long from = static_cast<int>(first), to = static_cast<int>(last);
+    const long long step = last >= first ? 1 : -1;
+    for (long long i = from; step > 0 ? i <= to : i >= to; i += step) {
+        const unsigned int bit = static_cast<unsigned int>(i);
+        std::unique_ptr<std::string> bitName(kalutilities::constructBusBit(name, bit));
+        std::unique_ptr<std::string> bitSecond(kalutilities::constructBusBit(secondName, bit));
+        addNet(bitName.get(), bitSecond.get(), type, text);
+        bits.push_back(getNet(bitName.get()));  // an existing net of that name becomes the bit
+    }
+    kalnetbus* bus = kalnetbus::createNetBus(name, secondName, first, last, bits, text);
+    if (type && !type->empty()) bus->setAttribute(&typeKey, type, &kSpirit, false);
+    data->getNetbusMap()->emplace(*name, bus);
+    kalaccess::setDesign(bus, this);
+    return true;
+}
+
+void kaldesign::removeAllInstances() {
+    data->getInstanceMap()->clear();
+    data->getInstanceList()->clear();
+}

@@ -1,0 +1,150 @@
+// Dual port management: merging ports into dual ports and dual port buses,
+// splitting them again, and removing them. A design that no component holds
+// changes its maps but announces nothing.
+#include "events/events.h"
+#include "events/paths.h"
+#include "kalcomponent.h"
+#include "kaldesign.h"
+#include "kaldualport.h"
+#include "kalnet.h"
+#include "kalport.h"
+
+namespace {
+
+template <class Map>
+typename Map::mapped_type find(Map* m, const std::string& name) {
+    if (name.empty()) return nullptr;
+    auto it = m->find(name);
+    return it == m->end() ? nullptr : it->second;
+}
+
+// Records of this area need both an event object and an owner to go out.
+void announce(const kaldesign* d, const char* category, const char* action, const char* key,
+              const std::string& value) {
+    kalevents::record r(category, action);
+    if (!r || !d->owner) return;
+    r.set(key, value);
+    r.send();
+}
+
+}  // namespace
+
+kaldualport* kaldesign::getDualPort(const std::string& name) {
+    return find(data->getDualPortMap(), name);
+}
+
+kaldualportbus* kaldesign::getDualPortbus(const std::string& name) {
+    return find(data->getDualPortbusMap(), name);
+}
+
+void kaldesign::insertDualPort(const std::string& name, kaldualport* dualPort) {
+    auto* map = data->getDualPortMap();
+    if (name.empty() || !dualPort || map->count(name)) return;
+    dualPort->setDesign(this);
+    map->emplace(name, dualPort);
+    announce(this, "dualpin", "add", "dualpin", kalpaths::dualPortPath(this, name));
+}
+
+namespace {
+template <class Add>
+void addToDualPort(kaldesign* d, const std::string& name, Add add) {
+    auto* map = d->data->getDualPortMap();
+    auto it = map->find(name);
+    if (it == map->end()) {
+        auto* dp = new kaldualport(name);
+        add(dp);
+        dp->setDesign(d);
+        map->emplace(name, dp);
+    } else {
+        add(it->second);
+    }
+    if (!map->count(name)) return;
+    announce(d, "dualpin", "add", "dualpin", kalpaths::dualPortPath(d, name));
+}
+}  // namespace
+
+void kaldesign::addPortToDualPort(const std::string& name, kalport* port) {
+    if (name.empty() || !port) return;
+    addToDualPort(this, name, [port](kaldualport* dp) { dp->addPort(port); });
+}
+
+void kaldesign::addPortsToDualPort(const std::string& name, const std::vector<kalport*>& ports) {
+    if (name.empty() || ports.empty()) return;
+    addToDualPort(this, name, [&ports](kaldualport* dp) { dp->addPort(ports); });
+}
+
+bool kaldesign::insertDualPortBus(const std::string& name, kaldualportbus* bus) {
+    auto* map = data->getDualPortbusMap();
+    if (name.empty() || !bus) return false;
+    if (!map->empty() && map->count(name)) return false;
+    bus->setDesign(this);
+    map->emplace(name, bus);
+    announce(this, "dualpinbus", "add", "dualpinbus", name);
+    return true;
+}
+
+namespace {
+// A dual port never survives with fewer than two ports.
+void dissolveIfSingle(kaldesign* d, const std::string& name, kaldualport* dp) {
+    if (dp->getPortsCount() > 1) return;
+    d->data->getDualPortMap()->erase(name);
+    delete dp;
+}
+}  // namespace
+
+void kaldesign::removePortFromDualPort(const std::string& dualPortName, kalport* port) {
+    kaldualport* dp = getDualPort(dualPortName);
+    if (!dp) return;
+    const std::string key = dualPortName;  // may be the dual port's own name
+    kalnet* net = getNetConnectedToPortOrDualPort(port);
+    const std::string netPath = net ? kalpaths::designPath(net->getDesign(), *net->getName()) : std::string();
+    dp->removePort(getRelativeHierarchyName(port));
+    kalevents::record r("dualpin", "remove");
+    if (r && owner) {
+        r.set("dualpin", net ? netPath : kalpaths::dualPortPath(this, key));
+        r.set("port", port ? kalpaths::designPortPath(port) : std::string());
+        r.send();
+    }
+    dissolveIfSingle(this, key, dp);
+}
+
+void kaldesign::removePortFromDualPort(const std::string& dualPortName, const std::string& portName) {
+    kaldualport* dp = getDualPort(dualPortName);
+    if (!dp) return;
+    const std::string key = dualPortName;
+    dp->removePort(portName);
+    dissolveIfSingle(this, key, dp);
+}
+
+void kaldesign::removeDualPort(const std::string& name) {
+    if (!name.empty()) data->getDualPortMap()->erase(name);
+}
+
+void kaldesign::deleteDualPort(const std::string& name) {
+    kaldualport* dp = getDualPort(name);
+    if (!dp) return;
+    data->getDualPortMap()->erase(name);
+    delete dp;
+}
+
+void kaldesign::removeDualPortBus(const std::string& name) {
+    if (name.empty()) return;
+    const std::string given = name;  // may be the name field of the bus being dropped
+    data->getDualPortbusMap()->erase(given);
+    announce(this, "dualpinbus", "remove", "dualpinbus", given);
+}
+
+void kaldesign::deleteDualPortBus(const std::string& name) {
+    kaldualportbus* bus = getDualPortbus(name);
+    if (!bus) return;
+    const std::string key = name;
+    for (kaldualport* dp : bus->getSlots()) {
+        if (!dp) continue;
+        dp->unsetBus();
+        bus->disconnect(dp);
+        const std::string own = dp->getName();
+        deleteDualPort(own);
+    }
+    data->getDualPortbusMap()->erase(key);
+    delete bus;
+}

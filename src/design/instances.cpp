@@ -1,0 +1,43 @@
+// Instance removal: detaching an instance's ports, pruning the nets that lose
+// their point, destroying the instance and reporting it.
+#include "design/prune.h"
+#include "events/events.h"
+#include "events/paths.h"
+#include "kalcomponent.h"
+#include "kaldesign.h"
+#include "kalnet.h"
+#include "kalport.h"
+
+bool kaldesign::removeInstance(const std::string* name) {
+    if (!name) return false;
+    auto* instances = data->getInstanceMap();
+    auto it = instances->find(*name);
+    if (it == instances->end()) return false;
+    const std::string instanceName = *name;  // may be the instance's own name string
+    kalcomponent* instance = it->second;
+    const std::string path = kalpaths::designPath(this, instanceName);
+
+    std::vector<kalport*> ports;
+    ports.reserve(instance->data->ports.size());
+    for (auto& entry : instance->data->ports)
+        ports.push_back(entry.second);
+    for (kalport* port : ports) {
+        if (port->getExportedTo()) instance->removeExport(*port->getName(), false);
+        kalnet* net = port->getNet();
+        if (!net) continue;
+        net->disconnect(port, true);
+        if (kalprune::shouldPrune(net)) {
+            const std::string netName = *net->getName();
+            removeNet(&netName);
+        }
+    }
+    data->getInstanceList()->remove(instance);
+    delete instance;
+    instances->erase(instanceName);
+    kalevents::record r("design", "remove");
+    if (r) {
+        r.set("instance", path);
+        r.send();
+    }
+    return true;
+}

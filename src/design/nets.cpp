@@ -1,0 +1,218 @@
+// Net and net bus editing: renames, range changes and removals.
+#include "connectivity/access.h"
+#include "events/events.h"
+#include "events/paths.h"
+#include "kaldesign.h"
+#include "kalnet.h"
+
+bool kaldesign::removeNetbus(const std::string* name) {
+    if (!name) return false;
+    auto* buses = data->getNetbusMap();
+    if (!buses->count(*name)) return true;
+    const std::string path = kalpaths::designPath(this, *name);  // name may belong to the bus
+    buses->erase(*name);
+    kalevents::record r("netbus", "rem");
+    if (r) {
+        r.set("netbus", path);
+        r.send();
+    }
+    return true;
+}
+
+#include <memory>
+
+#include "connectivity/bits.h"
+#include "design/prune.h"
+#include "kalcomponent.h"
+#include "kalport.h"
+#include "kalutilities.h"
+
+namespace {
+
+void sendRename(const char* category, const kaldesign* d, const std::string& oldName,
+                const std::string& newName) {
+    kalevents::record r(category, "rnm");
+    if (!r) return;
+    r.set("oname", kalpaths::designPath(d, oldName));
+    r.set("nname", kalpaths::designPath(d, newName));
+    r.send();
+}
+
+void sendRemoval(const char* category, const char* key, const std::string& path) {
+    kalevents::record r(category, "rem");
+    if (!r) return;
+    r.set(key, path);
+    r.send();
+}
+
+// Walks a bus's slots with the bit index each one stands for, from the first
+// bound toward the second.
+template <class Visit>
+void forEachSlot(const std::vector<kalnet*>& slots, unsigned int first, unsigned int last, Visit visit) {
+    unsigned int index = first;
+    for (std::size_t k = 0; k < slots.size(); ++k) {
+        visit(k, slots[k], index);
+        index = first <= last ? index + 1 : index - 1;
+    }
+}
+
+}  // namespace
+
+bool kaldesign::changeNetName(const std::string* oldName, const std::string* newName) {
+    auto* nets = data->getNetMap();
+    if (!oldName || !newName) return false;
+    auto it = nets->find(*oldName);
+    if (it == nets->end()) return false;
+    const std::string from = *oldName, to = *newName;  // either may be the net's own name
+    kalnet* net = it->second;
+    nets->erase(it);
+    if (!nets->emplace(to, net).second) {
+        nets->emplace(from, net);
+        return false;
+    }
+    kalaccess::setName(net, &to);
+    kalaccess::setSecondName(net, &to);
+    std::vector<kalport*> top = net->getTop();
+    if (!top.empty() && top[0]->getComponent()) {
+        const std::string portName = *top[0]->getName();
+        top[0]->getComponent()->changePortName(&portName, &to);
+    }
+    sendRename("net", net->getDesign(), from, to);
+    return true;
+}
+
+bool kaldesign::changeNetbusName(const std::string* oldName, const std::string* newName) {
+    auto* buses = data->getNetbusMap();
+    auto* nets = data->getNetMap();
+    if (!oldName || !newName || oldName->empty() || newName->empty() || *oldName == *newName) return false;
+    if (buses->count(*newName)) return false;
+    auto it = buses->find(*oldName);
+    if (it == buses->end()) return false;
+    const std::string from = *oldName, to = *newName;
+    kalnetbus* bus = it->second;
+    buses->erase(it);
+
+    const std::vector<kalnet*> slots = bus->getBits();
+    std::vector<std::string> names;
+    bool clash = false;
+    forEachSlot(slots, bus->getMsb(), bus->getLsb(), [&](std::size_t, kalnet* bit, unsigned int index) {
+        if (!bit || clash) return;
+        std::unique_ptr<std::string> n(kalutilities::constructBusBit(&to, index));
+        if (nets->count(*n)) clash = true;
+        names.push_back(*n);
+    });
+    if (clash) {
+        buses->emplace(from, bus);
+        return false;
+    }
+    std::size_t next = 0;
+    for (kalnet* bit : slots) {
+        if (!bit) continue;
+        const std::string& bitName = names[next++];
+        nets->erase(*bit->getName());
+        kalaccess::setName(bit, &bitName);
+        kalaccess::setSecondName(bit, &bitName);
+        nets->emplace(bitName, bit);
+    }
+    buses->emplace(to, bus);
+    kalaccess::setName(bus, &to);
+    kalaccess::setSecondName(bus, &to);
+
+    // A bus without slots fails here, after the rename, as it always has.
+    std::vector<kalport*> top = bus->getBits().at(0)->getTop();
+    if (top.empty()) return false;  // the rename stays; no port bus to follow it
+    kalportbus* portbus = top[0]->getBus();
+    if (portbus && top[0]->getComponent()) {
+        const std::string busName = *portbus->getName();
+        top[0]->getComponent()->changePortbusName(&busName, &to);
+    }
+    sendRename("netbus", bus->getDesign(), from, to);
+    return true;
+}
+
+bool kaldesign::changeNetBusRange(const std::string* name, unsigned int first, unsigned int last) {
+    kalnetbus* bus = getNetbus(name);
+    if (!bus) return false;
+    if (kalbits::width(first, last) != kalbits::width(bus->getMsb(), bus->getLsb())) return false;
+    if (first == bus->getMsb() && last == bus->getLsb()) return true;
+    auto* nets = data->getNetMap();
+    const std::string busName = *name;
+    const std::vector<kalnet*> slots = bus->getBits();
+    std::vector<std::unique_ptr<std::string>> fresh(slots.size());
+    forEachSlot(slots, first, last, [&](std::size_t k, kalnet* bit, unsigned int index) {
+        if (!bit) return;
+        fresh[k].reset(kalutilities::constructBusBit(&busName, index));
+        nets->erase(*bit->getName());
+    });
+    // Proceeds only when every new name is already a key (held by other nets).
+    for (auto& n : fresh) {
+        if (!n || nets->count(*n)) continue;
+        for (kalnet* bit : slots)
+            if (bit) nets->emplace(*bit->getName(), bit);
+        return false;
+    }
+    for (std::size_t k = 0; k < slots.size(); ++k) {
+        if (!slots[k]) continue;
+        kalaccess::setName(slots[k], fresh[k].get());
+        nets->emplace(*fresh[k], slots[k]);  // a taken key keeps its present entry
+    }
+    kalaccess::setRange(bus, first, last);
+    return true;
+}
+
+bool kaldesign::removeNet(const std::string* name) {
+    auto* nets = data->getNetMap();
+    if (!name) return false;
+    auto it = nets->find(*name);
+    if (it == nets->end()) return false;
+    const std::string netName = *name;
+    kalnet* net = it->second;
+    for (kalport* port : net->getPorts()) {
+        net->disconnect(port, true);
+        kalcomponent* c = port->getComponent();
+        if (c && c->parentDesign == net->getDesign()) {
+            port->unexport();
+        } else if (c) {
+            const std::string portName = *port->getName();
+            c->removePort(&portName);
+        }
+    }
+    sendRemoval("net", "net", kalpaths::designPath(net->getDesign(), netName));
+    nets->erase(netName);
+    kalnetbus* bus = net->getBus();
+    std::vector<kalnet*> bits = bus ? bus->getBits() : std::vector<kalnet*>();
+    if (!bits.empty()) {
+        std::size_t connected = 0;
+        for (kalnet* bit : bits)
+            if (bit && !bit->getPorts().empty()) ++connected;
+        if (connected == 1) {
+            const std::string busName = *bus->getName();
+            const std::string path = kalpaths::designPath(bus->getDesign(), busName);
+            kaldesign* owning = bus->getDesign() ? bus->getDesign() : this;
+            owning->removeNetbus(&busName);
+            delete bus;
+            sendRemoval("netbus", "netbus", path);  // the bus is reported a second time, as consumers expect
+        }
+    }
+    delete net;
+    return true;
+}
+
+bool kaldesign::deleteNetbus(const std::string* name) {
+    auto* buses = data->getNetbusMap();
+    if (!name) return false;
+    auto it = buses->find(*name);
+    if (it == buses->end()) return false;
+    const std::string busName = *name;
+    kalnetbus* bus = it->second;
+    for (kalnet* bit : bus->getBits()) {
+        if (!bit) continue;
+        bit->unsetBus();
+        const std::string bitName = *bit->getName();
+        removeNet(&bitName);
+    }
+    kalaccess::clearBits(bus);
+    buses->erase(busName);
+    delete bus;
+    return true;
+}
