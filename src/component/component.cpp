@@ -350,12 +350,14 @@ int kalcomponent::initBlackBoxPadPin(std::vector<std::string>& names) {
 
 bool kalcomponent::operator==(const kalcomponent& other) const {
     if (this == &other) return true;
-    for (const std::string* key : {&kVendor, &kLibrary, &kName, &kVersion})
-        if (!sameText(identity->getAttributeValue(key), other.identity->getAttributeValue(key))) return false;
+    // The instance names decide most comparisons, so they are looked at before
+    // the identity lookups; the result is the same conjunction either way.
     const std::string* mine = data->instanceName;
     const std::string* theirs = other.data->instanceName;
-    if (!mine) return !theirs;
-    if (!theirs || *mine != *theirs) return false;
+    if (!sameText(mine, theirs)) return false;
+    for (const std::string* key : {&kVendor, &kLibrary, &kName, &kVersion})
+        if (!sameText(identity->getAttributeValue(key), other.identity->getAttributeValue(key))) return false;
+    if (!mine) return true;
     if (parentDesign == other.parentDesign) return true;
     if (!parentDesign || !other.parentDesign) return false;
     return !(*parentDesign != *other.parentDesign);

@@ -1,6 +1,7 @@
 #include "connectivity/access.h"
 #include "connectivity/bits.h"
 #include "connectivity/portlist.h"
+#include "connectivity/roles.h"
 #include "events/events.h"
 #include "events/paths.h"
 #include "kalcomponent.h"
@@ -33,8 +34,10 @@ void markClockSource(kalport* port, int state) {
     if (v && *v == "true") c->setClockSourceState(state);
 }
 
-// A port on the net is a top port when it belongs to the component that owns
-// the net's design.
+}  // namespace
+
+namespace kalroles {
+
 bool isTopPort(const kalport* port, const kaldesign* design) {
     const kalcomponent* c = port->getComponent();
     const kalcomponent* owner = design ? design->owner : nullptr;
@@ -42,7 +45,17 @@ bool isTopPort(const kalport* port, const kaldesign* design) {
     return c == owner || *c == *owner;
 }
 
-}  // namespace
+bool drives(const kalport* port, const kaldesign* design) {
+    int d = port->getDirection();
+    return isTopPort(port, design) ? (d == 1 || d == 3) : (d == 2 || d == 3);
+}
+
+bool receives(const kalport* port, const kaldesign* design) {
+    int d = port->getDirection();
+    return isTopPort(port, design) ? (d == 2 || d == 3) : (d == 1 || d == 3);
+}
+
+}  // namespace kalroles
 
 // ---- kalnet ----
 
@@ -92,22 +105,16 @@ std::vector<kalport*> kalnet::getTop() {
     std::vector<kalport*> out;
     if (!ports) return out;
     for (kalport* p : ports->order)
-        if (isTopPort(p, design)) out.push_back(p);
+        if (kalroles::isTopPort(p, design)) out.push_back(p);
     return out;
 }
 
 namespace {
-// Instance ports drive on 2/3 and receive on 1/3; top ports the other way round.
 std::vector<kalport*> classify(const kalportlist* ports, const kaldesign* design, bool sources) {
     std::vector<kalport*> out;
     if (!ports) return out;
-    for (kalport* p : ports->order) {
-        int d = p->getDirection();
-        bool top = isTopPort(p, design);
-        bool drives = top ? (d == 1 || d == 3) : (d == 2 || d == 3);
-        bool receives = top ? (d == 2 || d == 3) : (d == 1 || d == 3);
-        if (sources ? drives : receives) out.push_back(p);
-    }
+    for (kalport* p : ports->order)
+        if (sources ? kalroles::drives(p, design) : kalroles::receives(p, design)) out.push_back(p);
     return out;
 }
 }  // namespace
