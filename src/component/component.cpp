@@ -1,6 +1,9 @@
 #include <iostream>
 #include <memory>
 
+#include "core/identity.h"
+#include "core/maps.h"
+#include "core/text.h"
 #include "kalcomponent.h"
 #include "kaldesign.h"
 #include "kalelements.h"
@@ -13,23 +16,14 @@
 
 namespace {
 
-const std::string kVendor("Vendor"), kLibrary("Library"), kName("Name"), kVersion("Version"),
-    kSpirit("SPIRIT");
-
-bool sameText(const std::string* a, const std::string* b) {
-    if (!a || !b) return a == b;
-    return *a == *b;
-}
+using kalidentity::libraryKey;
+using kalidentity::nameKey;
+using kalidentity::spirit;
+using kalidentity::vendorKey;
+using kalidentity::versionKey;
 
 kaldesign* firstDesign(const kalcomponentdata* d) {
     return d->designs.empty() ? nullptr : d->designs.begin()->second;
-}
-
-template <class Map>
-void destroyAll(Map& m) {
-    for (auto& entry : m)
-        delete entry.second;
-    m.clear();
 }
 
 }  // namespace
@@ -43,10 +37,10 @@ kalcomponentdata::~kalcomponentdata() {
     // The catalogue goes first; ports destroyed below must find it gone, not freed.
     delete elements;
     elements = nullptr;
-    destroyAll(designs);
-    destroyAll(portbuses);
-    destroyAll(ports);
-    destroyAll(parameters);
+    kalmaps::destroyAll(designs);
+    kalmaps::destroyAll(portbuses);
+    kalmaps::destroyAll(ports);
+    kalmaps::destroyAll(parameters);
     lpcs.clear();
     lpcs.shrink_to_fit();
     delete instanceName;
@@ -68,25 +62,22 @@ kalcomponent::kalcomponent(const std::string* vendor, const std::string* library
     std::unique_ptr<kalattributes> id(new kalattributes());
     d->elements->setOwner(this);
     if (name) d->instanceName = new std::string(*name);
-    id->setAttribute(&kVendor, vendor, &kSpirit);
-    id->setAttribute(&kLibrary, library, &kSpirit);
-    id->setAttribute(&kName, name, &kSpirit);
-    id->setAttribute(&kVersion, version, &kSpirit);
+    kalidentity::set(*id, vendor, library, name, version);
     data = d.release();
     identity = id.release();
 }
 
 void kalcomponent::setVendor(const std::string* value) {
-    identity->setAttribute(&kVendor, value, &kSpirit);
+    identity->setAttribute(&vendorKey, value, &spirit);
 }
 void kalcomponent::setLibrary(const std::string* value) {
-    identity->setAttribute(&kLibrary, value, &kSpirit);
+    identity->setAttribute(&libraryKey, value, &spirit);
 }
 void kalcomponent::setName(const std::string* value) {
-    identity->setAttribute(&kName, value, &kSpirit);
+    identity->setAttribute(&nameKey, value, &spirit);
 }
 void kalcomponent::setVersion(const std::string* value) {
-    identity->setAttribute(&kVersion, value, &kSpirit);
+    identity->setAttribute(&versionKey, value, &spirit);
 }
 
 kalcomponent::~kalcomponent() {
@@ -130,9 +121,7 @@ int kalcomponent::addParameter(const std::string* name, kalparameter* parameter)
 }
 
 kalparameter* kalcomponent::getParameter(const std::string* name) {
-    if (!name) return nullptr;
-    auto it = data->parameters.find(*name);
-    return it == data->parameters.end() ? nullptr : it->second;
+    return kalmaps::find(data->parameters, name);
 }
 
 int kalcomponent::removeParameter(const std::string* name) {
@@ -158,9 +147,7 @@ int kalcomponent::deleteDesign(const std::string* name) {
 }
 
 kaldesign* kalcomponent::getDesign(std::string* name) {
-    if (!name) return nullptr;
-    auto it = data->designs.find(*name);
-    return it == data->designs.end() ? nullptr : it->second;
+    return kalmaps::find(data->designs, name);
 }
 
 // ---- nets and connections, forwarded to the first design ----
@@ -304,7 +291,7 @@ namespace {
 const std::string& ownName(kalcomponent* c) {
     static const std::string empty;
     if (c->data->instanceName) return *c->data->instanceName;
-    const std::string* n = c->identity->getAttributeValue(&kName);
+    const std::string* n = c->identity->getAttributeValue(&nameKey);
     return n ? *n : empty;
 }
 }  // namespace
@@ -354,9 +341,8 @@ bool kalcomponent::operator==(const kalcomponent& other) const {
     // the identity lookups; the result is the same conjunction either way.
     const std::string* mine = data->instanceName;
     const std::string* theirs = other.data->instanceName;
-    if (!sameText(mine, theirs)) return false;
-    for (const std::string* key : {&kVendor, &kLibrary, &kName, &kVersion})
-        if (!sameText(identity->getAttributeValue(key), other.identity->getAttributeValue(key))) return false;
+    if (!kaltext::same(mine, theirs)) return false;
+    if (!kalidentity::same(*identity, *other.identity)) return false;
     if (!mine) return true;
     if (parentDesign == other.parentDesign) return true;
     if (!parentDesign || !other.parentDesign) return false;

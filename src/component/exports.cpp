@@ -47,13 +47,11 @@ int exportPort(kalport* port, const std::string& path, const std::string* netArg
         net->connect(port, false);
         net->connect(top, false);
         port->exportTo(top);
-        kalevents::record r("export", "add");
-        if (r) {
+        kalevents::emit("export", "add", [&](kalevents::record& r) {
             r.set("port", path);
             r.set("topport", kalpaths::portPath(enclosing, topPortName));
             r.set("net", kalpaths::designPath(design, topPortName));
-            r.send();
-        }
+        });
     }
     markChanged(enclosing);
     return 1;
@@ -80,13 +78,11 @@ int exportPortbus(kalportbus* bus, const std::string& path, const std::string* n
         bus->connectToNetbus(netbus);
         if (topBus) topBus->connectToNetbus(netbus);
         bus->exportTo(topBus);
-        kalevents::record r("export", "add");
-        if (r) {
+        kalevents::emit("export", "add", [&](kalevents::record& r) {
             r.set("portbus", path);
             r.set("topportbus", kalpaths::portPath(enclosing, topPortName));
             r.set("netbus", kalpaths::designPath(netbus ? netbus->getDesign() : design, topPortName));
-            r.send();
-        }
+        });
     }
     markChanged(enclosing);
     return 1;
@@ -109,13 +105,11 @@ int unexportPort(kalport* port) {
     if (topOwner) topOwner->removePort(&topPortName);
     const bool netGone = !net || dropIfDangling(net);
     markChanged(enclosing);
-    kalevents::record r("export", "rem");
-    if (r) {
+    kalevents::emit("export", "rem", [&](kalevents::record& r) {
         if (netGone) r.set("net", netPath);
         r.set("port", *port->getName());
         r.set("topport", topPath);
-        r.send();
-    }
+    });
     return 1;
 }
 
@@ -165,13 +159,11 @@ int unexportPortbus(kalportbus* bus) {
     const std::string topPath = kalpaths::portPath(topOwner ? topOwner : enclosing, topBusName);
     if (topOwner) topOwner->deletePortbus(&topBusName);
     markChanged(enclosing);
-    kalevents::record r("export", "rem");
-    if (r) {
+    kalevents::emit("export", "rem", [&](kalevents::record& r) {
         if (removed == width) r.set("netbus", netbusPath);
         r.set("portbus", *bus->getName());
         r.set("topportbus", topPath);
-        r.send();
-    }
+    });
     return 1;
 }
 

@@ -73,6 +73,7 @@ kalportbus* kalcomponent::getPortbus(const std::string* name, bool hierarchical)
     return owner ? owner->getPortbus(&leaf, false) : nullptr;
 }
 
+#include "connectivity/bits.h"
 #include "events/events.h"
 #include "events/paths.h"
 #include "kaldesign.h"
@@ -82,28 +83,10 @@ namespace {
 
 void sendRename(const char* category, const kalcomponent* owner, const std::string& from,
                 const std::string& to) {
-    kalevents::record r(category, "rnm");
-    if (!r) return;
-    r.set("oname", kalpaths::portPath(owner, from));
-    r.set("nname", kalpaths::portPath(owner, to));
-    r.send();
-}
-
-void sendRemoval(const char* category, const char* key, const std::string& path) {
-    kalevents::record r(category, "rem");
-    if (!r) return;
-    r.set(key, path);
-    r.send();
-}
-
-// Walks a port bus's slots with the bit number each stands for, msb first.
-template <class Visit>
-void forEachBit(const std::vector<kalport*>& slots, unsigned int msb, unsigned int lsb, Visit visit) {
-    unsigned int index = msb;
-    for (kalport* p : slots) {
-        visit(p, index);
-        index = msb <= lsb ? index + 1 : index - 1;
-    }
+    kalevents::emit(category, "rnm", [&](kalevents::record& r) {
+        r.set("oname", kalpaths::portPath(owner, from));
+        r.set("nname", kalpaths::portPath(owner, to));
+    });
 }
 
 }  // namespace
@@ -139,12 +122,13 @@ int kalcomponent::changePortbusName(const std::string* oldName, const std::strin
     const std::vector<kalport*> slots = bus->getBits();
     std::vector<std::string> names;
     bool clash = false;
-    forEachBit(slots, bus->getMsb(), bus->getLsb(), [&](kalport* p, unsigned int index) {
-        if (!p || clash) return;
-        std::unique_ptr<std::string> n(kalutilities::constructBusBit(&to, index));
-        if (data->ports.count(*n)) clash = true;
-        names.push_back(*n);
-    });
+    kalbits::forEachSlot(slots, bus->getMsb(), bus->getLsb(),
+                         [&](std::size_t, kalport* p, unsigned int index) {
+                             if (!p || clash) return;
+                             std::unique_ptr<std::string> n(kalutilities::constructBusBit(&to, index));
+                             if (data->ports.count(*n)) clash = true;
+                             names.push_back(*n);
+                         });
     if (clash) {
         buses.emplace(from, bus);
         return 0;
@@ -178,7 +162,7 @@ int kalcomponent::removePort(const std::string* name) {
     }
     data->ports.erase(portName);
     delete port;
-    sendRemoval("port", "topport", path);
+    kalevents::emit("port", "rem", "topport", path);
     return 1;
 }
 
@@ -192,20 +176,19 @@ int kalcomponent::removePortbus(const std::string* name) {
     const std::string path = kalpaths::portPath(bus->getComponent(), busName);
     data->portbuses.erase(it);
     delete bus;  // the bits stay as scalar ports, their bus links cleared
-    sendRemoval("portbus", "topportbus", path);
+    kalevents::emit("portbus", "rem", "topportbus", path);
     for (kalport* bit : bits) {
         kalnet* net = bit ? bit->getNet() : nullptr;
         if (!net) continue;
-        kalevents::record r("net", "add");
-        if (!r) continue;
-        r.set("net", kalpaths::designPath(net->getDesign(), *net->getName()));
-        for (kalport* p : net->getPorts()) {
-            if (p->getComponent() && !p->getComponent()->parentDesign) {
-                r.set("topport", kalpaths::portPath(p));
-                break;
+        kalevents::emit("net", "add", [&](kalevents::record& r) {
+            r.set("net", kalpaths::designPath(net->getDesign(), *net->getName()));
+            for (kalport* p : net->getPorts()) {
+                if (p->getComponent() && !p->getComponent()->parentDesign) {
+                    r.set("topport", kalpaths::portPath(p));
+                    break;
+                }
             }
-        }
-        r.send();
+        });
     }
     return 1;
 }

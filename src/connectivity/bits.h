@@ -4,6 +4,7 @@
 #define KALDATA_SRC_CONNECTIVITY_BITS_H
 
 #include <cstddef>
+#include <vector>
 
 namespace kalbits {
 
@@ -17,6 +18,17 @@ inline bool inRange(unsigned int i, unsigned int msb, unsigned int lsb) {
 
 inline std::size_t slot(unsigned int i, unsigned int msb) {
     return i > msb ? i - msb : msb - i;
+}
+
+// Visits each slot with the bit number it stands for, from the first bound
+// toward the second, empty slots included: visit(slot, member, bit).
+template <class T, class Visit>
+void forEachSlot(const std::vector<T*>& slots, unsigned int first, unsigned int last, Visit visit) {
+    unsigned int bit = first;
+    for (std::size_t k = 0; k < slots.size(); ++k) {
+        visit(k, slots[k], bit);
+        bit = first <= last ? bit + 1 : bit - 1;
+    }
 }
 
 }  // namespace kalbits

@@ -1,6 +1,8 @@
 #include "connectivity/access.h"
 #include "connectivity/bits.h"
 #include "connectivity/portlist.h"
+#include "connectivity/propagate.h"
+#include "core/text.h"
 #include "connectivity/roles.h"
 #include "events/events.h"
 #include "events/paths.h"
@@ -11,15 +13,6 @@
 #include "kalport.h"
 
 namespace {
-
-std::string* copyOf(const std::string* s) {
-    return s ? new std::string(*s) : nullptr;
-}
-
-bool sameText(const std::string* a, const std::string* b) {
-    if (!a || !b) return a == b;
-    return *a == *b;
-}
 
 // Clock-source bookkeeping: when the catalogue element named like the port is
 // marked "CLK_SRC", connecting sets the component's state to 1, disconnecting
@@ -62,9 +55,9 @@ bool receives(const kalport* port, const kaldesign* design) {
 kalnet::kalnet(const std::string* name_, const std::string* secondName_, const std::string* text_)
     : design(nullptr), name(nullptr), secondName(nullptr), text(nullptr), bus(nullptr), ports(nullptr) {
     if (!name_ || !secondName_) return;
-    name = copyOf(name_);
-    secondName = copyOf(secondName_);
-    text = copyOf(text_);
+    name = kaltext::copyOf(name_);
+    secondName = kaltext::copyOf(secondName_);
+    text = kaltext::copyOf(text_);
     ports = new kalportlist();
 }
 
@@ -85,12 +78,10 @@ void kalnet::disconnect(kalport* port, bool flag) {
     if (at < 0) return;
     ports->eraseAt(static_cast<std::size_t>(at));
     port->disconnect(this);
-    kalevents::record r("connect", "rem");
-    if (r) {
-        r.set("net", kalpaths::designPath(design, name ? *name : std::string()));
+    kalevents::emit("connect", "rem", [&](kalevents::record& r) {
+        r.set("net", kalpaths::designPath(design, kaltext::orEmpty(name)));
         r.set("port", kalpaths::portPathInDesign(port));
-        r.send();
-    }
+    });
     if (flag) markClockSource(port, 2);
 }
 
@@ -128,7 +119,7 @@ std::vector<kalport*> kalnet::getSinks() {
 
 bool kalnet::operator==(const kalnet& other) const {
     if (this == &other) return true;
-    if (!sameText(name, other.name) || !sameText(secondName, other.secondName)) return false;
+    if (!kaltext::same(name, other.name) || !kaltext::same(secondName, other.secondName)) return false;
     if (design == other.design || !design || !other.design) return true;
     return *design == *other.design;
 }
@@ -183,14 +174,10 @@ void kalnet::setDesign(kaldesign* d) {
     design = d;
 }
 void kalnet::setName(const std::string* n) {
-    if (!n) return;
-    delete name;
-    name = copyOf(n);
+    kaltext::replace(name, n);
 }
 void kalnet::setSecondName(const std::string* n) {
-    if (!n) return;
-    delete secondName;
-    secondName = copyOf(n);
+    kaltext::replace(secondName, n);
 }
 
 // ---- kalnetbus ----
@@ -199,9 +186,9 @@ kalnetbus::kalnetbus(const std::string* name_, const std::string* secondName_, u
                      unsigned int lsb_, const std::string* text_)
     : design(nullptr), name(nullptr), secondName(nullptr), text(nullptr), bits(nullptr), msb(0), lsb(0) {
     if (!name_ || !secondName_) return;
-    name = copyOf(name_);
-    secondName = copyOf(secondName_);
-    text = copyOf(text_);
+    name = kaltext::copyOf(name_);
+    secondName = kaltext::copyOf(secondName_);
+    text = kaltext::copyOf(text_);
     msb = msb_;
     lsb = lsb_;
     bits = new std::vector<kalnet*>(kalbits::width(msb, lsb), nullptr);
@@ -262,31 +249,19 @@ bool kalnetbus::hasSoucePortsInNetBus() {
 
 void kalnetbus::setAttribute(const std::string* n, const std::string* value, const std::string* vendor,
                              bool propagate) {
-    kalattributes::setAttribute(n, value, vendor);
-    if (propagate && bits)
-        for (kalnet* b : *bits)
-            if (b) b->setAttribute(n, value, vendor);
+    kalpropagate::apply(*this, bits, propagate, [&](kalattributes& a) { a.setAttribute(n, value, vendor); });
 }
 
 void kalnetbus::setAttributeValue(const std::string* n, const std::string* value, bool propagate) {
-    kalattributes::setAttributeValue(n, value);
-    if (propagate && bits)
-        for (kalnet* b : *bits)
-            if (b) b->setAttributeValue(n, value);
+    kalpropagate::apply(*this, bits, propagate, [&](kalattributes& a) { a.setAttributeValue(n, value); });
 }
 
 void kalnetbus::removeAttribute(const std::string* n, bool propagate) {
-    kalattributes::removeAttribute(n);
-    if (propagate && bits)
-        for (kalnet* b : *bits)
-            if (b) b->removeAttribute(n);
+    kalpropagate::apply(*this, bits, propagate, [&](kalattributes& a) { a.removeAttribute(n); });
 }
 
 void kalnetbus::removeAllAttributes(bool propagate) {
-    kalattributes::removeAllAttributes();
-    if (propagate && bits)
-        for (kalnet* b : *bits)
-            if (b) b->removeAllAttributes();
+    kalpropagate::apply(*this, bits, propagate, [&](kalattributes& a) { a.removeAllAttributes(); });
 }
 
 kalnetbus::~kalnetbus() {
@@ -326,14 +301,10 @@ void kalnetbus::setDesign(kaldesign* d) {
     design = d;
 }
 void kalnetbus::setName(const std::string* n) {
-    if (!n) return;
-    delete name;
-    name = copyOf(n);
+    kaltext::replace(name, n);
 }
 void kalnetbus::setSecondName(const std::string* n) {
-    if (!n) return;
-    delete secondName;
-    secondName = copyOf(n);
+    kaltext::replace(secondName, n);
 }
 void kalnetbus::setRange(unsigned int msb_, unsigned int lsb_) {
     msb = msb_;

@@ -1,5 +1,7 @@
 #include "connectivity/access.h"
 #include "connectivity/bits.h"
+#include "connectivity/propagate.h"
+#include "core/text.h"
 #include "events/paths.h"
 #include "kalcomponent.h"
 #include "kaldualport.h"
@@ -7,15 +9,6 @@
 #include "kalport.h"
 
 namespace {
-
-std::string* copyOf(const std::string* s) {
-    return s ? new std::string(*s) : nullptr;
-}
-
-bool sameText(const std::string* a, const std::string* b) {
-    if (!a || !b) return a == b;
-    return *a == *b;
-}
 
 bool validDirection(int d) {
     return d >= 1 && d <= 3;
@@ -49,9 +42,9 @@ kalport::kalport(const std::string* name_, const std::string* secondName_, int d
       exportedFrom(nullptr),
       dualPort(nullptr) {
     if (!name_ || !secondName_ || !validDirection(direction_)) return;
-    name = copyOf(name_);
-    secondName = copyOf(secondName_);
-    text = copyOf(text_);
+    name = kaltext::copyOf(name_);
+    secondName = kaltext::copyOf(secondName_);
+    text = kaltext::copyOf(text_);
     direction = direction_;
 }
 
@@ -136,7 +129,7 @@ std::vector<kalport*> kalport::getPortsOfDualPort() {
 
 bool kalport::operator==(const kalport& other) const {
     if (this == &other) return true;
-    if (!sameText(name, other.name) || !sameText(secondName, other.secondName)) return false;
+    if (!kaltext::same(name, other.name) || !kaltext::same(secondName, other.secondName)) return false;
     if (component == other.component) return true;
     if (!component || !other.component) return false;
     return *component == *other.component;
@@ -181,14 +174,10 @@ void kalport::setComponent(kalcomponent* c) {
     component = c;
 }
 void kalport::setName(const std::string* n) {
-    if (!n) return;
-    delete name;
-    name = copyOf(n);
+    kaltext::replace(name, n);
 }
 void kalport::setSecondName(const std::string* n) {
-    if (!n) return;
-    delete secondName;
-    secondName = copyOf(n);
+    kaltext::replace(secondName, n);
 }
 void kalport::setDualPort(kaldualport* d) {
     dualPort = d;
@@ -207,9 +196,9 @@ kalportbus::kalportbus(const std::string* name_, const std::string* secondName_,
       msb(0),
       lsb(0) {
     if (!name_ || !secondName_ || !validDirection(direction_)) return;
-    name = copyOf(name_);
-    secondName = copyOf(secondName_);
-    text = copyOf(text_);
+    name = kaltext::copyOf(name_);
+    secondName = kaltext::copyOf(secondName_);
+    text = kaltext::copyOf(text_);
     direction = direction_;
     msb = msb_;
     lsb = lsb_;
@@ -316,31 +305,19 @@ kalportbus* kalportbus::getExportedToBus() {
 
 void kalportbus::setAttribute(const std::string* n, const std::string* value, const std::string* vendor,
                               bool propagate) {
-    kalattributes::setAttribute(n, value, vendor);
-    if (propagate && bits)
-        for (kalport* p : *bits)
-            if (p) p->setAttribute(n, value, vendor);
+    kalpropagate::apply(*this, bits, propagate, [&](kalattributes& a) { a.setAttribute(n, value, vendor); });
 }
 
 void kalportbus::setAttributeValue(const std::string* n, const std::string* value, bool propagate) {
-    kalattributes::setAttributeValue(n, value);
-    if (propagate && bits)
-        for (kalport* p : *bits)
-            if (p) p->setAttributeValue(n, value);
+    kalpropagate::apply(*this, bits, propagate, [&](kalattributes& a) { a.setAttributeValue(n, value); });
 }
 
 void kalportbus::removeAttribute(const std::string* n, bool propagate) {
-    kalattributes::removeAttribute(n);
-    if (propagate && bits)
-        for (kalport* p : *bits)
-            if (p) p->removeAttribute(n);
+    kalpropagate::apply(*this, bits, propagate, [&](kalattributes& a) { a.removeAttribute(n); });
 }
 
 void kalportbus::removeAllAttributes(bool propagate) {
-    kalattributes::removeAllAttributes();
-    if (propagate && bits)
-        for (kalport* p : *bits)
-            if (p) p->removeAllAttributes();
+    kalpropagate::apply(*this, bits, propagate, [&](kalattributes& a) { a.removeAllAttributes(); });
 }
 
 kalportbus::~kalportbus() {
@@ -383,14 +360,10 @@ void kalportbus::setComponent(kalcomponent* c) {
     component = c;
 }
 void kalportbus::setName(const std::string* n) {
-    if (!n) return;
-    delete name;
-    name = copyOf(n);
+    kaltext::replace(name, n);
 }
 void kalportbus::setSecondName(const std::string* n) {
-    if (!n) return;
-    delete secondName;
-    secondName = copyOf(n);
+    kaltext::replace(secondName, n);
 }
 void kalportbus::clearBits() {
     if (bits) bits->clear();

@@ -17,13 +17,11 @@ bool kaldesign::connect(const std::string* netName, const std::string* portName,
     kalnet* net = getNet(netName);
     if (!net || !port || net->isConnectedTo(port)) return false;
     net->connect(port, true);
-    kalevents::record r("net", "add");
-    if (r) {
+    kalevents::emit("net", "add", [&](kalevents::record& r) {
         r.set("net", kalpaths::designPath(net->getDesign(), *net->getName()));
         if (port->getComponent() && !port->getComponent()->parentDesign)
             r.set("topport", kalpaths::portPath(port));
-        r.send();
-    }
+    });
     return true;
 }
 

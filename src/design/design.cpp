@@ -1,6 +1,8 @@
 #include <memory>
 
 #include "connectivity/access.h"
+#include "core/identity.h"
+#include "core/maps.h"
 #include "events/events.h"
 #include "events/paths.h"
 #include "kalcomponent.h"
@@ -13,25 +15,9 @@
 
 namespace {
 
-const std::string kVendor("Vendor"), kLibrary("Library"), kName("Name"), kVersion("Version"),
-    kSpirit("SPIRIT");
-
-bool sameText(const std::string* a, const std::string* b) {
-    if (!a || !b) return a == b;
-    return *a == *b;
-}
-
-template <class Map>
-typename Map::mapped_type find(Map* m, const std::string* name) {
-    if (!name) return nullptr;
-    auto it = m->find(*name);
-    return it == m->end() ? nullptr : it->second;
-}
-
 template <class Map>
 void destroyAll(Map* m) {
-    for (auto& entry : *m)
-        delete entry.second;
+    kalmaps::destroyAll(*m);
     delete m;
 }
 
@@ -95,10 +81,7 @@ kaldesign::kaldesign(const std::string* vendor, const std::string* library, cons
     : identity(nullptr), owner(nullptr), data(nullptr) {
     std::unique_ptr<kaldesigndata> d(new kaldesigndata());
     std::unique_ptr<kalattributes> id(new kalattributes());
-    id->setAttribute(&kVendor, vendor, &kSpirit);
-    id->setAttribute(&kLibrary, library, &kSpirit);
-    id->setAttribute(&kName, name, &kSpirit);
-    id->setAttribute(&kVersion, version, &kSpirit);
+    kalidentity::set(*id, vendor, library, name, version);
     data = d.release();
     identity = id.release();
 }
@@ -122,7 +105,7 @@ void kaldesign::removeAttribute(const std::string* key) {
 
 kalcomponent* kaldesign::getInstance(const std::string* name) {
     if (!name || name->empty()) return owner;
-    return find(data->getInstanceMap(), name);
+    return kalmaps::find(*data->getInstanceMap(), name);
 }
 
 kalport* kaldesign::getComponentPort(const std::string* portName, const std::string* instanceName) {
@@ -132,11 +115,11 @@ kalport* kaldesign::getComponentPort(const std::string* portName, const std::str
 }
 
 kalnetbus* kaldesign::getNetbus(const std::string* name) {
-    return find(data->getNetbusMap(), name);
+    return kalmaps::find(*data->getNetbusMap(), name);
 }
 
 kalnet* kaldesign::getNet(const std::string* name) {
-    return find(data->getNetMap(), name);
+    return kalmaps::find(*data->getNetMap(), name);
 }
 
 std::list<kalelement*>* kaldesign::getVirtualElements() {
@@ -160,7 +143,7 @@ std::string kaldesign::getRelativeHierarchyName(kalport* port) const {
     std::string result = port->getName() ? *port->getName() : std::string();
     for (kalcomponent* c = port->getComponent(); c;) {
         const std::string* segment =
-            c->parentDesign ? c->data->instanceName : c->identity->getAttributeValue(&kName);
+            c->parentDesign ? c->data->instanceName : c->identity->getAttributeValue(&kalidentity::nameKey);
         result = (segment ? *segment : std::string()) + "/" + result;
         if (!c->parentDesign || c->parentDesign == this) break;
         c = c->parentDesign->owner;
@@ -189,9 +172,7 @@ bool kaldesign::isSourcePort(kalportbus* bus) const {
 
 bool kaldesign::operator==(const kaldesign& other) const {
     if (this == &other) return true;
-    for (const std::string* key : {&kVendor, &kLibrary, &kName, &kVersion})
-        if (!sameText(identity->getAttributeValue(key), other.identity->getAttributeValue(key))) return false;
-    return equalComponents(owner, other.owner);
+    return kalidentity::same(*identity, *other.identity) && equalComponents(owner, other.owner);
 }
 
 bool kaldesign::operator!=(const kaldesign& other) const {
@@ -206,11 +187,9 @@ bool kaldesign::addInstance(std::string* name, kalcomponent* component) {
     kalaccess::setInstanceName(component, *name);
     component->parentDesign = this;
     data->getInstanceList()->push_back(component);
-    kalevents::record r("design", "add");
-    if (r) {
+    kalevents::emit("design", "add", [&](kalevents::record& r) {
         r.set("instance", kalpaths::designPath(this, *component->data->instanceName));
-        r.send();
-    }
+    });
     return true;
 }
 
@@ -220,7 +199,7 @@ bool kaldesign::addNet(const std::string* name, const std::string* secondName, c
     auto* nets = data->getNetMap();
     if (!name || !secondName || nets->count(*name)) return false;
     auto* net = new kalnet(name, secondName, text);
-    if (type && !type->empty()) net->setAttribute(&typeKey, type, &kSpirit);
+    if (type && !type->empty()) net->setAttribute(&typeKey, type, &kalidentity::spirit);
     auto it = nets->emplace(*name, net).first;
     kalaccess::setDesign(it->second, this);
     return true;
@@ -242,7 +221,7 @@ bool kaldesign::addNetbus(const std::string* name, const std::string* type, cons
         bits.push_back(getNet(bitName.get()));  // an existing net of that name becomes the bit
     }
     kalnetbus* bus = kalnetbus::createNetBus(name, secondName, first, last, bits, text);
-    if (type && !type->empty()) bus->setAttribute(&typeKey, type, &kSpirit, false);
+    if (type && !type->empty()) bus->setAttribute(&typeKey, type, &kalidentity::spirit, false);
     data->getNetbusMap()->emplace(*name, bus);
     kalaccess::setDesign(bus, this);
     return true;

@@ -18,13 +18,19 @@ typename Map::mapped_type find(Map* m, const std::string& name) {
     return it == m->end() ? nullptr : it->second;
 }
 
-// Records of this area need both an event object and an owner to go out.
-void announce(const kaldesign* d, const char* category, const char* action, const char* key,
-              const std::string& value) {
+// Records of this area need both an event object and an owner to go out; an
+// object created for a design without owner stays with the service unsent.
+template <class Fill>
+void announce(const kaldesign* d, const char* category, const char* action, Fill fill) {
     kalevents::record r(category, action);
     if (!r || !d->owner) return;
-    r.set(key, value);
+    fill(r);
     r.send();
+}
+
+void announce(const kaldesign* d, const char* category, const char* action, const char* key,
+              const std::string& value) {
+    announce(d, category, action, [&](kalevents::record& r) { r.set(key, value); });
 }
 
 }  // namespace
@@ -99,12 +105,10 @@ void kaldesign::removePortFromDualPort(const std::string& dualPortName, kalport*
     kalnet* net = getNetConnectedToPortOrDualPort(port);
     const std::string netPath = net ? kalpaths::designPath(net->getDesign(), *net->getName()) : std::string();
     dp->removePort(getRelativeHierarchyName(port));
-    kalevents::record r("dualpin", "remove");
-    if (r && owner) {
+    announce(this, "dualpin", "remove", [&](kalevents::record& r) {
         r.set("dualpin", net ? netPath : kalpaths::dualPortPath(this, key));
         r.set("port", port ? kalpaths::designPortPath(port) : std::string());
-        r.send();
-    }
+    });
     dissolveIfSingle(this, key, dp);
 }
 

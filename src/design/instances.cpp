@@ -34,10 +34,6 @@ bool kaldesign::removeInstance(const std::string* name) {
     data->getInstanceList()->remove(instance);
     delete instance;
     instances->erase(instanceName);
-    kalevents::record r("design", "remove");
-    if (r) {
-        r.set("instance", path);
-        r.send();
-    }
+    kalevents::emit("design", "remove", [&](kalevents::record& r) { r.set("instance", path); });
     return true;
 }

@@ -1,9 +1,27 @@
 // Net and net bus editing: renames, range changes and removals.
+#include <memory>
+
 #include "connectivity/access.h"
+#include "connectivity/bits.h"
+#include "design/prune.h"
 #include "events/events.h"
 #include "events/paths.h"
+#include "kalcomponent.h"
 #include "kaldesign.h"
 #include "kalnet.h"
+#include "kalport.h"
+#include "kalutilities.h"
+
+namespace {
+
+void sendRename(const char* category, const kaldesign* d, const std::string& from, const std::string& to) {
+    kalevents::emit(category, "rnm", [&](kalevents::record& r) {
+        r.set("oname", kalpaths::designPath(d, from));
+        r.set("nname", kalpaths::designPath(d, to));
+    });
+}
+
+}  // namespace
 
 bool kaldesign::removeNetbus(const std::string* name) {
     if (!name) return false;
@@ -11,52 +29,9 @@ bool kaldesign::removeNetbus(const std::string* name) {
     if (!buses->count(*name)) return true;
     const std::string path = kalpaths::designPath(this, *name);  // name may belong to the bus
     buses->erase(*name);
-    kalevents::record r("netbus", "rem");
-    if (r) {
-        r.set("netbus", path);
-        r.send();
-    }
+    kalevents::emit("netbus", "rem", "netbus", path);
     return true;
 }
-
-#include <memory>
-
-#include "connectivity/bits.h"
-#include "design/prune.h"
-#include "kalcomponent.h"
-#include "kalport.h"
-#include "kalutilities.h"
-
-namespace {
-
-void sendRename(const char* category, const kaldesign* d, const std::string& oldName,
-                const std::string& newName) {
-    kalevents::record r(category, "rnm");
-    if (!r) return;
-    r.set("oname", kalpaths::designPath(d, oldName));
-    r.set("nname", kalpaths::designPath(d, newName));
-    r.send();
-}
-
-void sendRemoval(const char* category, const char* key, const std::string& path) {
-    kalevents::record r(category, "rem");
-    if (!r) return;
-    r.set(key, path);
-    r.send();
-}
-
-// Walks a bus's slots with the bit index each one stands for, from the first
-// bound toward the second.
-template <class Visit>
-void forEachSlot(const std::vector<kalnet*>& slots, unsigned int first, unsigned int last, Visit visit) {
-    unsigned int index = first;
-    for (std::size_t k = 0; k < slots.size(); ++k) {
-        visit(k, slots[k], index);
-        index = first <= last ? index + 1 : index - 1;
-    }
-}
-
-}  // namespace
 
 bool kaldesign::changeNetName(const std::string* oldName, const std::string* newName) {
     auto* nets = data->getNetMap();
@@ -95,12 +70,13 @@ bool kaldesign::changeNetbusName(const std::string* oldName, const std::string* 
     const std::vector<kalnet*> slots = bus->getBits();
     std::vector<std::string> names;
     bool clash = false;
-    forEachSlot(slots, bus->getMsb(), bus->getLsb(), [&](std::size_t, kalnet* bit, unsigned int index) {
-        if (!bit || clash) return;
-        std::unique_ptr<std::string> n(kalutilities::constructBusBit(&to, index));
-        if (nets->count(*n)) clash = true;
-        names.push_back(*n);
-    });
+    kalbits::forEachSlot(slots, bus->getMsb(), bus->getLsb(),
+                         [&](std::size_t, kalnet* bit, unsigned int index) {
+                             if (!bit || clash) return;
+                             std::unique_ptr<std::string> n(kalutilities::constructBusBit(&to, index));
+                             if (nets->count(*n)) clash = true;
+                             names.push_back(*n);
+                         });
     if (clash) {
         buses->emplace(from, bus);
         return false;
@@ -139,7 +115,7 @@ bool kaldesign::changeNetBusRange(const std::string* name, unsigned int first, u
     const std::string busName = *name;
     const std::vector<kalnet*> slots = bus->getBits();
     std::vector<std::unique_ptr<std::string>> fresh(slots.size());
-    forEachSlot(slots, first, last, [&](std::size_t k, kalnet* bit, unsigned int index) {
+    kalbits::forEachSlot(slots, first, last, [&](std::size_t k, kalnet* bit, unsigned int index) {
         if (!bit) return;
         fresh[k].reset(kalutilities::constructBusBit(&busName, index));
         nets->erase(*bit->getName());
@@ -177,7 +153,7 @@ bool kaldesign::removeNet(const std::string* name) {
             c->removePort(&portName);
         }
     }
-    sendRemoval("net", "net", kalpaths::designPath(net->getDesign(), netName));
+    kalevents::emit("net", "rem", "net", kalpaths::designPath(net->getDesign(), netName));
     nets->erase(netName);
     kalnetbus* bus = net->getBus();
     std::vector<kalnet*> bits = bus ? bus->getBits() : std::vector<kalnet*>();
@@ -191,7 +167,8 @@ bool kaldesign::removeNet(const std::string* name) {
             kaldesign* owning = bus->getDesign() ? bus->getDesign() : this;
             owning->removeNetbus(&busName);
             delete bus;
-            sendRemoval("netbus", "netbus", path);  // the bus is reported a second time, as consumers expect
+            kalevents::emit("netbus", "rem", "netbus",
+                            path);  // the bus is reported a second time, as consumers expect
         }
     }
     delete net;

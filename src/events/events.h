@@ -30,6 +30,21 @@ private:
     vorn::event::EVENT_OBJECT* object;
 };
 
+// Creates a record and, only when the service gave an object, lets fill set
+// its keys and sends it: values are not built for a dropped record.
+template <class Fill>
+void emit(const char* category, const char* action, Fill fill) {
+    record r(category, action);
+    if (!r) return;
+    fill(r);
+    r.send();
+}
+
+// A record with a single key.
+inline void emit(const char* category, const char* action, const char* key, const std::string& value) {
+    emit(category, action, [&](record& r) { r.set(key, value); });
+}
+
 }  // namespace kalevents
 
 #endif

@@ -1,0 +1,26 @@
+// Lookups and teardown of the owning name maps.
+#ifndef KALDATA_SRC_CORE_MAPS_H
+#define KALDATA_SRC_CORE_MAPS_H
+
+#include <string>
+
+namespace kalmaps {
+
+template <class Map>
+typename Map::mapped_type find(const Map& m, const std::string* name) {
+    if (!name) return nullptr;
+    auto it = m.find(*name);
+    return it == m.end() ? nullptr : it->second;
+}
+
+// Destroys every entry in name order and empties the map.
+template <class Map>
+void destroyAll(Map& m) {
+    for (auto& entry : m)
+        delete entry.second;
+    m.clear();
+}
+
+}  // namespace kalmaps
+
+#endif
