@@ -143,6 +143,9 @@ kalport::~kalport() {
     if (net) net->disconnect(this, true);
     if (bus) bus->disconnect(this);
     if (dualPort) dualPort->removePort(kalpaths::portPath(this));
+    // An export partner must not keep pointing at a port that is gone.
+    if (exportedTo && exportedTo->exportedFrom == this) exportedTo->exportedFrom = nullptr;
+    if (exportedFrom && exportedFrom->exportedTo == this) exportedFrom->exportedTo = nullptr;
     delete name;
     delete secondName;
     delete text;
