@@ -1,6 +1,7 @@
 // Dual port management of a design: merging ports, splitting them again,
 // dual port buses, and the records each step sends.
 #include "kaldata.h"
+#include "support/checker.h"
 #include "support/fixtures.h"
 #include "support/release.h"
 
@@ -30,6 +31,7 @@ protected:
         kalrecorder::clear();
     }
     void TearDown() override {
+        EXPECT_MODEL_OK(top);
         release(top);
         recorded::TearDown();
     }

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "kaldata.h"
+#include "support/checker.h"
 #include "support/fixtures.h"
 #include "support/release.h"
 
@@ -41,6 +42,7 @@ protected:
         kalrecorder::clear();
     }
     void TearDown() override {
+        EXPECT_MODEL_OK(top);
         release(top);
         recorded::TearDown();
     }

@@ -4,6 +4,7 @@
 #include <sstream>
 
 #include "kaldata.h"
+#include "support/checker.h"
 #include "support/fixtures.h"
 #include "support/release.h"
 
@@ -73,6 +74,7 @@ protected:
         kalrecorder::clear();
     }
     void TearDown() override {
+        EXPECT_MODEL_OK(top);
         release(top);
         recorded::TearDown();
     }

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "kaldata.h"
+#include "support/checker.h"
 #include "support/fixtures.h"
 #include "support/release.h"
 
@@ -23,6 +24,7 @@ protected:
         d = top->getDesign(&rtl);
     }
     void TearDown() override {
+        EXPECT_MODEL_OK(top);
         release(top);
         recorded::TearDown();
     }
