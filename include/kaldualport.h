@@ -12,6 +12,7 @@ class kaldesign;
 class kalport;
 class kalnet;
 class kaldualportbus;
+struct kalaccess;
 
 class KALDATA_API kaldualport : public kalattributes {
 private:
@@ -40,6 +41,9 @@ public:
     kaldesign* getDesign() const;
     kaldualportbus* getBus() const;
     void setDesign(kaldesign* design);
+
+private:
+    friend struct kalaccess;
 };
 
 class KALDATA_API kaldualportbus : public kalattributes {

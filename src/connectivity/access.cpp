@@ -2,6 +2,9 @@
 
 #include "connectivity/portlist.h"
 #include "kalcomponent.h"
+#include "kaldualport.h"
+
+#include <algorithm>
 
 template <class Change>
 void kalaccess::rekeyAround(kalport* p, Change change) {
@@ -45,4 +48,9 @@ void kalaccess::setInstanceName(kalcomponent* c, const std::string& name) {
 
 void kalaccess::portLeft(kalnet* net, const kalport* p) {
     if (net && net->ports && net->ports->listsPointer(p)) net->ports->markStray();
+}
+
+void kalaccess::forgetPort(kaldualport* d, const kalport* p) {
+    auto& list = d->ports;
+    list.erase(std::remove(list.begin(), list.end(), p), list.end());
 }

@@ -19,6 +19,8 @@ struct kalaccess {
     static void setName(kalport* p, const std::string* n);
     static void setSecondName(kalport* p, const std::string* n) { p->setSecondName(n); }
     static void setDualPort(kalport* p, kaldualport* d) { p->setDualPort(d); }
+    // Takes every entry of a dying port out of a dual port's list.
+    static void forgetPort(kaldualport* d, const kalport* p);
 
     // A component's instance name is part of its connected ports' lookup keys.
     static void setInstanceName(kalcomponent* c, const std::string& name);

@@ -142,7 +142,12 @@ bool kalport::operator!=(const kalport& other) const {
 kalport::~kalport() {
     if (net) net->disconnect(this, true);
     if (bus) bus->disconnect(this);
-    if (dualPort) dualPort->removePort(kalpaths::portPath(this));
+    if (kaldualport* dp = dualPort) {
+        dp->removePort(kalpaths::portPath(this));
+        // The key can miss (a root component whose "Name" is not its instance
+        // name, a port listed twice): no entry may outlive the port.
+        kalaccess::forgetPort(dp, this);
+    }
     // An export partner must not keep pointing at a port that is gone.
     if (exportedTo && exportedTo->exportedFrom == this) exportedTo->exportedFrom = nullptr;
     if (exportedFrom && exportedFrom->exportedTo == this) exportedFrom->exportedTo = nullptr;
