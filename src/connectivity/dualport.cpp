@@ -7,6 +7,7 @@
 #include <set>
 
 #include "connectivity/access.h"
+#include "connectivity/bits.h"
 #include "events/paths.h"
 #include "kalcomponent.h"
 #include "kaldesign.h"
@@ -93,18 +94,9 @@ std::set<kaldualport*> untie(kaldualportbus* bus) {
     return members;
 }
 
-// ---- bus ranges ----
-
-std::size_t widthOf(unsigned int msb, unsigned int lsb) {
-    return (msb > lsb ? std::size_t(msb) - lsb : std::size_t(lsb) - msb) + 1;
-}
-
-constexpr std::size_t noSlot = static_cast<std::size_t>(-1);
-
-// Slot 0 holds bit msb whichever way the range runs.
+// The slot of bit index, or past the end when index is outside the range.
 std::size_t slotOf(unsigned int msb, unsigned int lsb, unsigned int index) {
-    if (lsb < msb) return index >= lsb && index <= msb ? std::size_t(msb - index) : noSlot;
-    return index >= msb && index <= lsb ? std::size_t(index - msb) : noSlot;
+    return kalbits::inRange(index, msb, lsb) ? kalbits::slot(index, msb) : static_cast<std::size_t>(-1);
 }
 
 }  // namespace
@@ -222,14 +214,14 @@ void kaldualport::setDesign(kaldesign* design_) {
 kaldualportbus::kaldualportbus(const std::string& name_, unsigned int msb_, unsigned int lsb_)
     : name(name_), design(nullptr), msb(msb_), lsb(lsb_) {
     // A bus without a name stays without slots, whatever its range.
-    if (!name.empty()) slotVector.assign(widthOf(msb, lsb), nullptr);
+    if (!name.empty()) slotVector.assign(kalbits::width(msb, lsb), nullptr);
 }
 
 kaldualportbus* kaldualportbus::createDualPortBus(std::string name, unsigned int msb, unsigned int lsb,
                                                   std::vector<kaldualport*> dualPorts) {
     // Checked against the range, not the slot vector, so that an unnamed bus
     // is held to the same width.
-    if (dualPorts.size() != widthOf(msb, lsb)) return nullptr;
+    if (dualPorts.size() != kalbits::width(msb, lsb)) return nullptr;
     kaldualportbus* created = new kaldualportbus(name, msb, lsb);
     created->slotVector = std::move(dualPorts);
     for (kaldualport* member : created->slotVector) {
