@@ -1,250 +1,107 @@
-// Design core: instances, nets and net buses, lookups, virtual elements,
-// relative names, source ports, equality, and what a teardown leaves behind.
-#include <memory>
+// Design core: instances, virtual elements, net buses, equality, relative
+// names, source ports, and a teardown that leaves nothing behind.
+#include <tuple>
 
 #include "kaldata.h"
-#include "support/fixtures.h"
-#include "support/release.h"
+#include "support/model.h"
 
-namespace {
-using nets = std::vector<kalnet*>;
-}  // namespace
-
-// A root component "top" with one design "rtl".
-class design : public recorded {
+class design : public modeltest {
 protected:
-    void SetUp() override {
-        recorded::SetUp();
-        top = make("top");
-        std::string rtl("rtl");
-        top->createDesign(S("acme"), S("lib"), S("rtl"), S("1.0"));
-        d = top->getDesign(&rtl);
-        ASSERT_NE(d, nullptr);
-    }
-    void TearDown() override {
-        if (top) release(top);
-        recorded::TearDown();
-    }
-    kalcomponent* make(const char* name) { return new kalcomponent(S("acme"), S("lib"), S(name), S("1.0")); }
-    kalcomponent* place(kaldesign* in, const char* name, kalcomponent* c) {
-        std::string key(name);
-        EXPECT_TRUE(in->addInstance(&key, c));
+    // The design and instance calls take names by non-const pointer.
+    std::string* K(const char* s) { return const_cast<std::string*>(S(s)); }
+    // Instance `name` in a new design `in` of `owner`.
+    kalcomponent* nest(kalcomponent* owner, const char* in, const char* name) {
+        owner->createDesign(S("v"), S("l"), S(in), S("1.0"));
+        auto* c = new kalcomponent(S("v"), S("l"), S("blk"), S("1.0"));
+        EXPECT_TRUE(owner->getDesign(K(in))->addInstance(K(name), c));
         return c;
     }
-    kaldesign* inner(kalcomponent* c, const char* name) {
-        std::string key(name);
-        c->createDesign(S("acme"), S("lib"), S(name), S("1.0"));
-        return c->getDesign(&key);
-    }
-    kalport* port(kalcomponent* c, const char* name, int direction) {
-        c->addPort(S(name), S(name), direction, nullptr);
-        return c->getPort(S(name), false);
-    }
-    kalcomponent* top = nullptr;
-    kaldesign* d = nullptr;
 };
 
-TEST_F(design, add_instance_registers_and_reports) {
-    top->setName(S("TopName"));  // paths use the instance name of the owner
-    std::string name("u1");
-    kalcomponent* u1 = make("leaf");
-    ASSERT_TRUE(d->addInstance(&name, u1));
-    name = "changed";  // the design keeps its own copy
-    ASSERT_NE(u1->data->instanceName, nullptr);
-    EXPECT_EQ(*u1->data->instanceName, "u1");
-    EXPECT_EQ(u1->parentDesign, d);
-    kalcomponent* u0 = place(d, "u0", make("leaf"));
+TEST_F(design, instances_their_virtual_elements_and_handing_them_back) {
+    top->setName(S("TopName"));  // records use the instance name of the owner
+    kalcomponent* u1 = inst("u1");
+    kalcomponent* u0 = inst("u0");
     EXPECT_EQ(*d->data->getInstanceList(), (std::list<kalcomponent*>{u1, u0}));
-    ASSERT_EQ(d->data->getInstanceMap()->size(), 2u);
-    EXPECT_EQ(d->data->getInstanceMap()->begin()->second, u0);
     EXPECT_EQ(records(), (std::vector<std::string>{"design/add instance=top::rtl/u1",
                                                    "design/add instance=top::rtl/u0"}));
-
-    std::string dup("u1");
-    kalcomponent* other = make("other");
-    EXPECT_FALSE(d->addInstance(&dup, other));
-    EXPECT_EQ(*other->data->instanceName, "other");
-    EXPECT_EQ(other->parentDesign, nullptr);
-    EXPECT_EQ(d->getInstance(&dup), u1);
-    EXPECT_EQ(records().size(), 2u);
-    release(other);
-
-    kalrecorder::setNullObjects(true);
-    kalcomponent* u2 = place(d, "u2", make("leaf"));
+    kalcomponent other(S("v"), S("l"), S("other"), S("1.0"));
+    EXPECT_FALSE(d->addInstance(K("u1"), &other));
+    EXPECT_EQ(*other.data->instanceName, "other");
+    EXPECT_EQ(other.parentDesign, nullptr);
+    releaseLeftovers(&other);
+    kalrecorder::setNullObjects(true);  // a dropped record still adds the instance
+    kalcomponent* u2 = inst("u2");
     kalrecorder::setNullObjects(false);
-    EXPECT_EQ(u2->parentDesign, d);
-    EXPECT_EQ(d->getInstance(S("u2")), u2);
-    EXPECT_EQ(d->data->getInstanceList()->back(), u2);
+    EXPECT_MODEL_OK(top);  // instance names, parent links, list and map agree
+
+    // Marked elements of the instances, by instance name and then element name.
+    using entry = std::tuple<kalcomponent*, const char*, const char*>;  // no value: not marked
+    std::vector<kalelement*> made;
+    for (auto [c, name, value] : {entry{u1, "z", "3.3"}, entry{u1, "a", ""}, entry{u1, "m", nullptr},
+                                  entry{u0, "q", "1.8"}, entry{top, "own", "1"}}) {
+        made.push_back(c->getElements()->addElement(S("T"), S(name), false));
+        if (value) made.back()->setAttribute(S("UVCCIO"), S(value), S("SPIRIT"));
+    }
+    d->getVirtualElements();  // a second call rebuilds the list rather than adding to it
+    EXPECT_EQ(*d->getVirtualElements(), (std::list<kalelement*>{made[3], made[1], made[0]}));
+    for (kalcomponent* c : {top, u0, u1})
+        for (auto& g : c->getElements()->getGroupMap())
+            delete g.second;  // the catalogue never frees its type groups
+
+    d->removeAllInstances();  // hands them back, silently
+    EXPECT_TRUE(d->data->getInstanceList()->empty() && d->data->getInstanceMap()->empty());
     EXPECT_EQ(records().size(), 2u);
+    for (kalcomponent* c : {u0, u1, u2})
+        release(c);
 }
 
-TEST_F(design, nets_and_net_buses) {
-    ASSERT_TRUE(d->addNet(S("n"), S("n2"), S("internal"), S("text")));
-    kalnet* n = d->getNet(S("n"));
-    ASSERT_NE(n, nullptr);
-    EXPECT_EQ(n->getDesign(), d);
-    EXPECT_EQ(*n->getAttributeValue(S("type")), "internal");
-    EXPECT_EQ(n->getVendorMap().at("type"), "SPIRIT");
-    EXPECT_FALSE(d->addNet(S("n"), S("x"), nullptr, nullptr));
-    EXPECT_EQ(d->getNet(S("n")), n);
-    ASSERT_TRUE(d->addNet(S("m"), S("m"), S(""), nullptr));
-    EXPECT_FALSE(d->getNet(S("m"))->hasAttribute(S("type")));
-
-    ASSERT_TRUE(d->addNetbus(S("d"), S("t"), S("s"), 3, 0, nullptr));
-    kalnetbus* bus = d->getNetbus(S("d"));
-    ASSERT_NE(bus, nullptr);
-    EXPECT_EQ(bus->getDesign(), d);
-    EXPECT_EQ(*bus->getAttributeValue(S("type")), "t");
-    nets expected{d->getNet(S("d[3]")), d->getNet(S("d[2]")), d->getNet(S("d[1]")), d->getNet(S("d[0]"))};
-    EXPECT_EQ(bus->getBits(), expected);
-    for (kalnet* bit : expected) {
-        ASSERT_NE(bit, nullptr);
-        EXPECT_EQ(bit->getBus(), bus);
-        EXPECT_EQ(bit->getDesign(), d);
-        EXPECT_EQ(*bit->getAttributeValue(S("type")), "t");
-    }
-    EXPECT_EQ(*d->getNet(S("d[1]"))->getSecondName(), "s[1]");
-    EXPECT_EQ(d->data->getNetMap()->size(), 6u);  // stops after index 0
-
-    ASSERT_TRUE(d->addNetbus(S("a"), S(""), S("a"), 0, 2, nullptr));
-    EXPECT_EQ(d->getNetbus(S("a"))->getBits(),
-              (nets{d->getNet(S("a[0]")), d->getNet(S("a[1]")), d->getNet(S("a[2]"))}));
-    EXPECT_FALSE(d->getNetbus(S("a"))->hasAttribute(S("type")));
-    EXPECT_FALSE(d->addNetbus(S("a"), nullptr, S("a"), 5, 4, nullptr));
-    EXPECT_EQ(d->data->getNetMap()->size(), 9u);
-
+TEST_F(design, net_buses_names_sources_equality_and_a_silent_teardown) {
     ASSERT_TRUE(d->addNet(S("r[1]"), S("x"), nullptr, nullptr));
     kalnet* existing = d->getNet(S("r[1]"));
-    ASSERT_TRUE(d->addNetbus(S("r"), S("t"), S("r"), 2, 0, nullptr));
-    EXPECT_EQ(d->getNetbus(S("r"))->netAtIndex(1), existing);
-    EXPECT_EQ(existing->getBus(), d->getNetbus(S("r")));
-    EXPECT_EQ(*existing->getSecondName(), "x");
-    EXPECT_FALSE(existing->hasAttribute(S("type")));
-    EXPECT_TRUE(records().empty());
-}
+    ASSERT_TRUE(d->addNetbus(S("a"), S(""), S("a"), 0, 2, nullptr));
+    ASSERT_TRUE(d->addNetbus(S("r"), S("t"), S("s"), 2, 0, nullptr));
+    EXPECT_FALSE(d->addNetbus(S("a"), nullptr, S("a"), 5, 4, nullptr));
+    EXPECT_EQ(d->data->getNetMap()->size(), 6u);
+    using nets = std::vector<kalnet*>;  // slot 0 holds the msb bit
+    EXPECT_EQ(d->getNetbus(S("a"))->getBits(),
+              (nets{d->getNet(S("a[0]")), d->getNet(S("a[1]")), d->getNet(S("a[2]"))}));
+    EXPECT_EQ(d->getNetbus(S("r"))->getBits(), (nets{d->getNet(S("r[2]")), existing, d->getNet(S("r[0]"))}));
+    EXPECT_EQ(*existing->getSecondName(), "x");  // reused as it was
 
-TEST_F(design, lookups_and_virtual_elements) {
-    kalcomponent* b = place(d, "b", make("leaf"));
-    kalcomponent* a = place(d, "a", make("leaf"));
-    place(d, "c", make("leaf"));
-    kalport* tp = port(top, "tp", 1);
-    kalport* p = port(a, "p", 2);
-    EXPECT_EQ(d->getInstance(S("")), top);
-    EXPECT_EQ(d->getInstance(S("a")), a);
-    EXPECT_EQ(d->getComponentPort(S("p"), S("a")), p);
-    EXPECT_EQ(d->getComponentPort(S("tp"), S("")), tp);
-    EXPECT_EQ(d->getComponentPort(S("tp"), nullptr), tp);
-    EXPECT_EQ(d->getComponentPort(S("p"), S("zz")), nullptr);
+    // Designs compare by identity and owner, not by contents.
+    kaldesign* same = nest(new kalcomponent(S("v"), S("l"), S("top"), S("1.0")), "rtl", "u")->parentDesign;
+    EXPECT_TRUE(*d == *same);
+    EXPECT_TRUE(*d != *nest(top, "syn", "u")->parentDesign);
+    same->owner->setVersion(S("2.0"));
+    EXPECT_TRUE(*d != *same);
+    release(same->owner);
 
-    kalelements* eb = b->getElements();
-    kalelement* bz = eb->addElement(S("T"), S("z"), false);
-    kalelement* ba = eb->addElement(S("T"), S("a"), false);
-    eb->addElement(S("T"), S("m"), false);
-    kalelement* aq = a->getElements()->addElement(S("T"), S("q"), false);
-    bz->setAttribute(S("UVCCIO"), S("3.3"), S("SPIRIT"));
-    ba->setAttribute(S("UVCCIO"), S(""), S("SPIRIT"));  // any value counts
-    aq->setAttribute(S("UVCCIO"), S("1.8"), S("SPIRIT"));
-    top->getElements()->addElement(S("T"), S("own"), false)->setAttribute(S("UVCCIO"), S("1"), S("SPIRIT"));
-    std::list<kalelement*>* first = d->getVirtualElements();
-    EXPECT_EQ(*first, (std::list<kalelement*>{aq, ba, bz}));
-    EXPECT_EQ(d->getVirtualElements(), first);
-    EXPECT_EQ(first->size(), 3u);  // rebuilt, not appended to
-    for (kalcomponent* c : {top, a, b})
-        for (auto& g : c->getElements()->getGroupMap())
-            delete g.second;
-}
-
-TEST_F(design, relative_names_and_source_ports) {
     top->setName(S("TopN"));  // a root is named by its "Name"
-    kalcomponent* u1 = place(d, "u1", make("mid"));
-    kaldesign* impl = inner(u1, "impl");
-    kalcomponent* u2 = place(impl, "u2", make("leaf"));
-    kalport *ti = port(top, "ti", 1), *to = port(top, "to", 2), *tb = port(top, "tb", 3);
-    kalport *p = port(u1, "p", 2), *pi = port(u1, "pi", 1);
-    kalport *q = port(u2, "q", 1), *qo = port(u2, "qo", 2);
-
-    EXPECT_EQ(d->getRelativeHierarchyName(p), "u1/p");
-    EXPECT_EQ(d->getRelativeHierarchyName(q), "u1/u2/q");
-    EXPECT_EQ(d->getRelativeHierarchyName(ti), "TopN/ti");
-    EXPECT_EQ(impl->getRelativeHierarchyName(q), "u2/q");
-    EXPECT_EQ(impl->getRelativeHierarchyName(p), "TopN/u1/p");
-    EXPECT_EQ(d->getRelativeHierarchyName(nullptr), "");
-
-    // Seen from inside, a top input drives; an instance output drives.
-    EXPECT_TRUE(d->isSourcePort(ti));
-    EXPECT_FALSE(d->isSourcePort(to));
-    EXPECT_TRUE(d->isSourcePort(tb));
-    EXPECT_TRUE(d->isSourcePort(p));
-    EXPECT_FALSE(d->isSourcePort(qo));  // one level too deep
-    EXPECT_FALSE(impl->isSourcePort(p));
-    EXPECT_TRUE(impl->isSourcePort(pi));
-    EXPECT_TRUE(impl->isSourcePort(qo));
-    top->addPortbus(S("ib"), S("ib"), 1, 0, 1, nullptr);
-    u1->addPortbus(S("ob"), S("ob"), 1, 0, 2, nullptr);
-    EXPECT_TRUE(d->isSourcePort(top->getPortbus(S("ib"), false)));
-    EXPECT_TRUE(d->isSourcePort(u1->getPortbus(S("ob"), false)));
-    EXPECT_FALSE(impl->isSourcePort(u1->getPortbus(S("ob"), false)));
-}
-
-TEST_F(design, equality_is_identity_and_owners) {
-    kalcomponent* twin = make("top");
-    std::string rtl("rtl"), other("other");
-    twin->createDesign(S("acme"), S("lib"), S("rtl"), S("1.0"));
-    kaldesign* same = twin->getDesign(&rtl);
-    same->addNet(S("only_here"), S("x"), nullptr, nullptr);
-    EXPECT_TRUE(*d == *same);  // contents are not compared
-    EXPECT_FALSE(*d != *same);
-    twin->setVersion(S("2.0"));
-    EXPECT_TRUE(*d != *same);  // owners differ now
-    top->createDesign(S("acme"), S("lib"), S("other"), S("1.0"));
-    EXPECT_TRUE(*d != *top->getDesign(&other));
-    release(twin);
-}
-
-TEST_F(design, instances_outlive_remove_all_and_teardown_is_silent) {
-    kalcomponent* u1 = place(d, "u1", make("leaf"));
-    kalcomponent* u2 = place(d, "u2", make("leaf"));
-    kalport* p = port(u1, "p", 2);
-    kalport* a = port(top, "a", 2);
-    d->addNet(S("n"), S("n"), nullptr, nullptr);
-    kalnet* n = d->getNet(S("n"));
-    n->connect(p, true);
-    n->connect(a, true);
-    kalrecorder::clear();
-
-    d->removeAllInstances();
-    EXPECT_TRUE(d->data->getInstanceMap()->empty());
-    EXPECT_TRUE(d->data->getInstanceList()->empty());
-    EXPECT_EQ(u1->parentDesign, d);
-    EXPECT_EQ(*u1->data->instanceName, "u1");
-    EXPECT_EQ(p->getNet(), n);
-    EXPECT_TRUE(records().empty());
-
-    // A port that dies while on a net leaves it with one record.
-    release(u1);
-    EXPECT_EQ(n->getPorts(), (std::vector<kalport*>{a}));
-    EXPECT_EQ(records(), (std::vector<std::string>{"connect/rem net=top::rtl/n port=top/u1/p"}));
-    release(u2);
-    kalrecorder::clear();
-
-    // A full tree: nets and net buses go before instances and top ports, so
-    // nothing is left on a net when the ports die and no record is sent.
-    kalcomponent* m = place(d, "m", make("mid"));
-    kaldesign* impl = inner(m, "impl");
-    kalcomponent* leaf = place(impl, "x", make("leaf"));
-    impl->addNet(S("i"), S("i"), nullptr, nullptr);
-    impl->getNet(S("i"))->connect(port(m, "mi", 1), true);
-    impl->getNet(S("i"))->connect(port(leaf, "li", 1), true);
-    d->addNetbus(S("nb"), nullptr, S("nb"), 1, 0, nullptr);
-    top->addPortbus(S("tb"), S("tb"), 1, 0, 2, nullptr);
-    m->addPortbus(S("mb"), S("mb"), 1, 0, 2, nullptr);
-    for (unsigned i = 0; i < 2; ++i) {
-        d->getNetbus(S("nb"))->netAtIndex(i)->connect(top->getPortbus(S("tb"), false)->portAtIndex(i), true);
-        d->getNetbus(S("nb"))->netAtIndex(i)->connect(m->getPortbus(S("mb"), false)->portAtIndex(i), true);
+    kalcomponent* u2 = nest(inst("u1"), "impl", "u2");
+    kaldesign* impl = u2->parentDesign;
+    u2->addPort(S("qo"), S("qo"), 2, nullptr);
+    kalport *ti = pin("", "ti", 1), *to = pin("", "to", 2), *tb = pin("", "tb", 3);
+    kalport *p = pin("u1", "p", 2), *pi = pin("u1", "pi", 1), *qo = u2->getPort(S("qo"), false);
+    // Seen from inside, a top input drives, and so does an output one level down.
+    using row = std::tuple<kaldesign*, kalport*, const char*, bool>;
+    for (auto [in, port, name, drives] :
+         {row{d, p, "u1/p", true}, row{d, qo, "u1/u2/qo", false}, row{d, ti, "TopN/ti", true},
+          row{d, to, "TopN/to", false}, row{d, tb, "TopN/tb", true}, row{impl, qo, "u2/qo", true},
+          row{impl, p, "TopN/u1/p", false}, row{impl, pi, "TopN/u1/pi", true}}) {
+        EXPECT_EQ(in->getRelativeHierarchyName(port), name);
+        EXPECT_EQ(in->isSourcePort(port), drives) << name;
     }
-    n->connect(port(m, "mo", 2), true);
-    ASSERT_EQ(n->getPorts().size(), 2u);
-    kalrecorder::clear();
+    inst("u1")->addPortbus(S("ob"), S("ob"), 1, 0, 2, nullptr);
+    EXPECT_TRUE(d->isSourcePort(inst("u1")->getPortbus(S("ob"), false)));
+    EXPECT_FALSE(impl->isSourcePort(inst("u1")->getPortbus(S("ob"), false)));
+
+    // Nets go before instances and top ports, so no port is still on a net
+    // when it dies and tearing the whole tree down sends nothing.
+    impl->addNet(S("i"), S("i"), nullptr, nullptr);
+    impl->getNet(S("i"))->connect(pi, true);
+    impl->getNet(S("i"))->connect(qo, true);
+    wire("r[0]", {{"u1", "ob[0]", 2}, {"", "to", 2}});
     release(top);
     top = nullptr;
     EXPECT_TRUE(records().empty());
