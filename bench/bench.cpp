@@ -124,8 +124,10 @@ void BM_RenameNet(benchmark::State& state) {
 }
 BENCHMARK(BM_RenameNet)->Arg(10000)->Unit(benchmark::kMicrosecond);
 
-// Removing nets from a design of N instances, one per iteration.
-void BM_RemoveNet(benchmark::State& state) {
+// Runs one destructive step per iteration on a model of N instances, building
+// a fresh model (untimed) once all N objects have been used up.
+template <class Step>
+void destructive(benchmark::State& state, Step step) {
     const auto n = static_cast<std::size_t>(state.range(0));
     auto m = std::make_unique<model>(n);
     std::size_t i = 0;
@@ -136,30 +138,28 @@ void BM_RemoveNet(benchmark::State& state) {
             i = 0;
             state.ResumeTiming();
         }
-        std::string net = model::net_name(i++, 5);
-        m->design->removeNet(&net);
+        step(*m, i++);
     }
+}
+
+// Removing nets from a design of N instances, one per iteration.
+void BM_RemoveNet(benchmark::State& state) {
+    destructive(state, [](model& m, std::size_t i) {
+        std::string net = model::net_name(i, 5);
+        m.design->removeNet(&net);
+    });
 }
 BENCHMARK(BM_RemoveNet)->Arg(10000)->Unit(benchmark::kMicrosecond);
 
 // Removing instances from a design of N instances, one per iteration.
 void BM_RemoveInstance(benchmark::State& state) {
-    const auto n = static_cast<std::size_t>(state.range(0));
-    auto m = std::make_unique<model>(n);
-    std::size_t i = 0;
-    for (auto _ : state) {
-        if (i == n) {
-            state.PauseTiming();
-            m = std::make_unique<model>(n);
-            i = 0;
-            state.ResumeTiming();
-        }
-        std::string inst = "u" + std::to_string(i++);
-        kalcomponent* c = m->design->getInstance(&inst);
-        delete c->data->generators;
+    destructive(state, [](model& m, std::size_t i) {
+        std::string inst = "u" + std::to_string(i);
+        kalcomponent* c = m.design->getInstance(&inst);
+        delete c->data->generators;  // a component never frees its generator registry
         c->data->generators = nullptr;
-        m->design->removeInstance(&inst);
-    }
+        m.design->removeInstance(&inst);
+    });
 }
 BENCHMARK(BM_RemoveInstance)->Arg(10000)->Unit(benchmark::kMicrosecond);
 

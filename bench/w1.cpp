@@ -102,7 +102,6 @@ int main(int argc, char** argv) {
     kalrecorder::setNullObjects(!live);
     kalrecorder::setKeepRecords(false);
 
-    auto S = [](const std::string& s) { return s; };
     std::string acme("acme"), soc("soc"), top_("top"), v10("1.0"), rtl("top_rtl"), ip("ip"), empty;
     auto* top = new kalcomponent(&acme, &soc, &top_, &v10);
     top->createDesign(&acme, &soc, &rtl, &v10);
@@ -210,7 +209,6 @@ int main(int argc, char** argv) {
         for (auto* r : registries)
             delete r;
     }
-    (void)S;
     std::fprintf(stderr, "W1 N=%zu %s: %s\n", n, live ? "live events" : "null events",
                  ok ? "counts ok" : "COUNTS DIFFER");
     return ok ? 0 : 1;
