@@ -19,6 +19,7 @@ class kaldualport;
 class kaldualportbus;
 class kalelement;
 class kaldesigndata;
+struct kalinstanceorder;
 
 class KALDATA_API kaldesign {
 public:
@@ -85,6 +86,9 @@ private:
     std::map<std::string, kaldualport*>* dualPortMap;
     std::map<std::string, kaldualportbus*>* dualPortbusMap;
     std::list<kalelement*>* virtualElementList;
+    kalinstanceorder* instanceOrder;  // finds an instance's place in the list without walking it
+
+    friend class kaldesign;
 
 public:
     kaldesigndata();

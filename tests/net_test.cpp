@@ -141,3 +141,27 @@ TEST_F(netmodel, large_net_lookup_answers_like_a_scan) {
     loose.reset();
     expectLikeScan(n);
 }
+
+// Taking ports out of the middle of a large net leaves holes that are later
+// squeezed out; order, lookups and renames must stay exactly as with a scan.
+TEST_F(netmodel, large_net_order_survives_middle_removals_and_squeezing) {
+    kalnet* n = wire("clk", {});
+    for (int i = 0; i < 120; ++i) {
+        const std::string u = "u" + std::to_string(1000 + i).substr(1);
+        n->connect(pin(u.c_str(), "clk", 1), false);
+        probes.push_back(pin(u.c_str(), "clk", 1));
+    }
+    for (int i = 1; i < 120; i += 2) {
+        disconnectLikeScan(n, probes[i]);
+        if (i % 20 == 1) {  // a rename while holes are in the list
+            ASSERT_EQ(probes[i + 1]->getComponent()->changePortName(S("clk"), S("ck")), 1);
+            expectLikeScan(n);
+        }
+    }
+    n->connect(probes[1], false);  // back in, at the end
+    disconnectLikeScan(n, probes[0]);
+    disconnectLikeScan(n, probes[118]);  // the last one before the re-added port
+    expectLikeScan(n);
+    EXPECT_EQ(n->getPorts().size(), 59u);
+    EXPECT_EQ(n->getPorts().back(), probes[1]);
+}

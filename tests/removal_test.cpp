@@ -1,5 +1,7 @@
 // Instance removal: detaching ports, pruning nets, dropping exports, and
 // leaving no link to the destroyed instance behind.
+#include <list>
+
 #include "support/model.h"
 
 namespace {
@@ -68,4 +70,31 @@ TEST_F(removal, exported_bus_goes_with_its_instance) {
     EXPECT_TRUE(top->data->ports.empty());
     EXPECT_TRUE(d->data->getNetbusMap()->empty());
     EXPECT_TRUE(d->data->getNetMap()->empty());
+}
+
+// The instance list keeps placement order through removals; a list changed
+// from outside is still answered like std::list::remove.
+TEST_F(removal, instance_list_order_matches_a_plain_list) {
+    std::list<kalcomponent*> expected;
+    for (const char* u : {"a", "b", "c", "d", "e"})
+        expected.push_back(inst(u));
+    std::list<kalcomponent*>* list = d->data->getInstanceList();
+    for (const char* u : {"c", "a"}) {
+        expected.remove(inst(u));
+        releaseLeftovers(inst(u));
+        ASSERT_TRUE(d->removeInstance(S(u)));
+        EXPECT_EQ(*list, expected);
+    }
+    list->push_back(inst("b"));  // an outside edit: b listed twice
+    expected.push_back(inst("b"));
+    expected.remove(inst("b"));
+    releaseLeftovers(inst("b"));
+    ASSERT_TRUE(d->removeInstance(S("b")));
+    EXPECT_EQ(*list, expected);
+    inst("f");
+    expected.push_back(inst("f"));
+    releaseLeftovers(inst("d"));
+    ASSERT_TRUE(d->removeInstance(S("d")));
+    expected.remove(expected.front());
+    EXPECT_EQ(*list, expected);
 }

@@ -14,7 +14,7 @@ void kalaccess::rekeyAround(kalport* p, Change change) {
         change();
         return;
     }
-    std::string oldKey = kalportlist::key(p);
+    const std::size_t oldKey = kalportlist::key(p);
     change();
     list->rekey(p, oldKey);
 }
@@ -34,7 +34,7 @@ void kalaccess::setInstanceName(kalcomponent* c, const std::string& name) {
     // Ports on nets are re-keyed one by one; the swap happens once for all.
     struct keyed {
         kalport* port;
-        std::string oldKey;
+        std::size_t oldKey;
     };
     std::vector<keyed> connected;
     for (auto& entry : d->ports)

@@ -95,8 +95,10 @@ void kalnet::unsetBus() {
 std::vector<kalport*> kalnet::getTop() {
     std::vector<kalport*> out;
     if (!ports) return out;
-    for (kalport* p : ports->order)
+    ports->anyOf([&](kalport* p) {
         if (kalroles::isTopPort(p, design)) out.push_back(p);
+        return false;
+    });
     return out;
 }
 
@@ -104,8 +106,10 @@ namespace {
 std::vector<kalport*> classify(const kalportlist* ports, const kaldesign* design, bool sources) {
     std::vector<kalport*> out;
     if (!ports) return out;
-    for (kalport* p : ports->order)
+    ports->anyOf([&](kalport* p) {
         if (sources ? kalroles::drives(p, design) : kalroles::receives(p, design)) out.push_back(p);
+        return false;
+    });
     return out;
 }
 }  // namespace
@@ -130,7 +134,7 @@ bool kalnet::operator!=(const kalnet& other) const {
 
 kalnet::~kalnet() {
     if (ports) {
-        while (!ports->order.empty())
+        while (!ports->empty())
             ports->popBack()->disconnect(this);
         delete ports;
         ports = nullptr;
@@ -167,7 +171,7 @@ kalnetbus* kalnet::getBus() const {
     return bus;
 }
 std::vector<kalport*> kalnet::getPorts() const {
-    return ports ? ports->order : std::vector<kalport*>();
+    return ports ? ports->snapshot() : std::vector<kalport*>();
 }
 
 void kalnet::setDesign(kaldesign* d) {

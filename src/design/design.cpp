@@ -3,6 +3,7 @@
 #include "connectivity/access.h"
 #include "core/identity.h"
 #include "core/maps.h"
+#include "design/instanceorder.h"
 #include "events/events.h"
 #include "events/paths.h"
 #include "kalcomponent.h"
@@ -37,7 +38,8 @@ kaldesigndata::kaldesigndata()
       netMap(new std::map<std::string, kalnet*>()),
       dualPortMap(new std::map<std::string, kaldualport*>()),
       dualPortbusMap(new std::map<std::string, kaldualportbus*>()),
-      virtualElementList(new std::list<kalelement*>()) {}
+      virtualElementList(new std::list<kalelement*>()),
+      instanceOrder(new kalinstanceorder(*instanceList)) {}
 
 kaldesigndata::~kaldesigndata() {
     // Buses before their members: a dual port bus clears its members' bus links
@@ -48,6 +50,7 @@ kaldesigndata::~kaldesigndata() {
     destroyAll(netbusMap);
     destroyAll(netMap);
     destroyAll(instanceMap);
+    delete instanceOrder;
     delete instanceList;
     delete virtualElementList;
 }
@@ -186,7 +189,7 @@ bool kaldesign::addInstance(std::string* name, kalcomponent* component) {
     data->getInstanceMap()->emplace(*name, component);
     kalaccess::setInstanceName(component, *name);
     component->parentDesign = this;
-    data->getInstanceList()->push_back(component);
+    data->instanceOrder->append(component);
     kalevents::emit("design", "add", [&](kalevents::record& r) {
         r.set("instance", kalpaths::designPath(this, *component->data->instanceName));
     });
@@ -229,5 +232,5 @@ bool kaldesign::addNetbus(const std::string* name, const std::string* type, cons
 
 void kaldesign::removeAllInstances() {
     data->getInstanceMap()->clear();
-    data->getInstanceList()->clear();
+    data->instanceOrder->clear();
 }

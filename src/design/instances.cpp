@@ -1,5 +1,6 @@
 // Instance removal: detaching an instance's ports, pruning the nets that lose
 // their point, destroying the instance and reporting it.
+#include "design/instanceorder.h"
 #include "design/prune.h"
 #include "events/events.h"
 #include "events/paths.h"
@@ -31,7 +32,7 @@ bool kaldesign::removeInstance(const std::string* name) {
             removeNet(&netName);
         }
     }
-    data->getInstanceList()->remove(instance);
+    data->instanceOrder->remove(instance);
     delete instance;
     instances->erase(instanceName);
     kalevents::emit("design", "remove", [&](kalevents::record& r) { r.set("instance", path); });

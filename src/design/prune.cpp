@@ -12,14 +12,13 @@ namespace kalprune {
 // large nets.
 bool shouldPrune(kalnet* net) {
     const kalportlist* list = kalaccess::portList(net);
-    if (!list || list->order.size() <= 1) return true;
+    if (!list || list->size() <= 1) return true;
     bool source = false, sink = false;
-    for (const kalport* p : list->order) {
+    return !list->anyOf([&](const kalport* p) {
         source = source || kalroles::drives(p, net->getDesign());
         sink = sink || kalroles::receives(p, net->getDesign());
-        if (source && sink) return false;
-    }
-    return true;
+        return source && sink;
+    });
 }
 
 }  // namespace kalprune
