@@ -18,8 +18,8 @@ struct kalaccess;
 class KALDATA_API kalport : public kalattributes {
 private:
     kalcomponent* component;
-    std::string* name;
-    std::string* secondName;
+    const std::string* name;  // shared with every equal port name
+    const std::string* secondName;
     std::string* text;
     kalportbus* bus;
     kalnet* net;
@@ -65,8 +65,8 @@ private:
 class KALDATA_API kalportbus : public kalattributes {
 private:
     kalcomponent* component;
-    std::string* name;
-    std::string* secondName;
+    const std::string* name;  // shared with every equal port name
+    const std::string* secondName;
     std::string* text;
     std::vector<kalport*>* bits;
     int direction;

@@ -2,6 +2,7 @@
 #include "connectivity/bits.h"
 #include "connectivity/portlist.h"
 #include "connectivity/propagate.h"
+#include "core/names.h"
 #include "core/text.h"
 #include "connectivity/roles.h"
 #include "events/events.h"
@@ -55,8 +56,8 @@ bool receives(const kalport* port, const kaldesign* design) {
 kalnet::kalnet(const std::string* name_, const std::string* secondName_, const std::string* text_)
     : design(nullptr), name(nullptr), secondName(nullptr), text(nullptr), bus(nullptr), ports(nullptr) {
     if (!name_ || !secondName_) return;
-    name = kaltext::copyOf(name_);
-    secondName = kaltext::copyOf(secondName_);
+    kalnames::assignPaired(name, secondName, name_);
+    kalnames::assignPaired(secondName, name, secondName_);
     text = kaltext::copyOf(text_);
     ports = new kalportlist();
 }
@@ -150,8 +151,7 @@ kalnet::~kalnet() {
         if (bus) delete bus;
         bus = nullptr;
     }
-    delete name;
-    delete secondName;
+    kalnames::releasePair(name, secondName);
     delete text;
 }
 
@@ -178,10 +178,10 @@ void kalnet::setDesign(kaldesign* d) {
     design = d;
 }
 void kalnet::setName(const std::string* n) {
-    kaltext::replace(name, n);
+    kalnames::assignPaired(name, secondName, n);
 }
 void kalnet::setSecondName(const std::string* n) {
-    kaltext::replace(secondName, n);
+    kalnames::assignPaired(secondName, name, n);
 }
 
 // ---- kalnetbus ----
@@ -190,8 +190,8 @@ kalnetbus::kalnetbus(const std::string* name_, const std::string* secondName_, u
                      unsigned int lsb_, const std::string* text_)
     : design(nullptr), name(nullptr), secondName(nullptr), text(nullptr), bits(nullptr), msb(0), lsb(0) {
     if (!name_ || !secondName_) return;
-    name = kaltext::copyOf(name_);
-    secondName = kaltext::copyOf(secondName_);
+    kalnames::assignPaired(name, secondName, name_);
+    kalnames::assignPaired(secondName, name, secondName_);
     text = kaltext::copyOf(text_);
     msb = msb_;
     lsb = lsb_;
@@ -274,8 +274,7 @@ kalnetbus::~kalnetbus() {
             if (n) n->unsetBus();
         delete bits;
     }
-    delete name;
-    delete secondName;
+    kalnames::releasePair(name, secondName);
     delete text;
 }
 
@@ -305,10 +304,10 @@ void kalnetbus::setDesign(kaldesign* d) {
     design = d;
 }
 void kalnetbus::setName(const std::string* n) {
-    kaltext::replace(name, n);
+    kalnames::assignPaired(name, secondName, n);
 }
 void kalnetbus::setSecondName(const std::string* n) {
-    kaltext::replace(secondName, n);
+    kalnames::assignPaired(secondName, name, n);
 }
 void kalnetbus::setRange(unsigned int msb_, unsigned int lsb_) {
     msb = msb_;

@@ -1,6 +1,7 @@
 #include "connectivity/access.h"
 #include "connectivity/bits.h"
 #include "connectivity/propagate.h"
+#include "core/names.h"
 #include "core/text.h"
 #include "events/paths.h"
 #include "kalcomponent.h"
@@ -42,8 +43,8 @@ kalport::kalport(const std::string* name_, const std::string* secondName_, int d
       exportedFrom(nullptr),
       dualPort(nullptr) {
     if (!name_ || !secondName_ || !validDirection(direction_)) return;
-    name = kaltext::copyOf(name_);
-    secondName = kaltext::copyOf(secondName_);
+    name = kalnames::acquire(*name_);
+    secondName = kalnames::acquire(*secondName_);
     text = kaltext::copyOf(text_);
     direction = direction_;
 }
@@ -151,8 +152,8 @@ kalport::~kalport() {
     // An export partner must not keep pointing at a port that is gone.
     if (exportedTo && exportedTo->exportedFrom == this) exportedTo->exportedFrom = nullptr;
     if (exportedFrom && exportedFrom->exportedTo == this) exportedFrom->exportedTo = nullptr;
-    delete name;
-    delete secondName;
+    kalnames::release(name);
+    kalnames::release(secondName);
     delete text;
 }
 
@@ -182,10 +183,10 @@ void kalport::setComponent(kalcomponent* c) {
     component = c;
 }
 void kalport::setName(const std::string* n) {
-    kaltext::replace(name, n);
+    kalnames::reassign(name, n);
 }
 void kalport::setSecondName(const std::string* n) {
-    kaltext::replace(secondName, n);
+    kalnames::reassign(secondName, n);
 }
 void kalport::setDualPort(kaldualport* d) {
     dualPort = d;
@@ -204,8 +205,8 @@ kalportbus::kalportbus(const std::string* name_, const std::string* secondName_,
       msb(0),
       lsb(0) {
     if (!name_ || !secondName_ || !validDirection(direction_)) return;
-    name = kaltext::copyOf(name_);
-    secondName = kaltext::copyOf(secondName_);
+    name = kalnames::acquire(*name_);
+    secondName = kalnames::acquire(*secondName_);
     text = kaltext::copyOf(text_);
     direction = direction_;
     msb = msb_;
@@ -334,8 +335,8 @@ kalportbus::~kalportbus() {
             if (p) p->unsetBus();
         delete bits;
     }
-    delete name;
-    delete secondName;
+    kalnames::release(name);
+    kalnames::release(secondName);
     delete text;
 }
 
@@ -368,10 +369,10 @@ void kalportbus::setComponent(kalcomponent* c) {
     component = c;
 }
 void kalportbus::setName(const std::string* n) {
-    kaltext::replace(name, n);
+    kalnames::reassign(name, n);
 }
 void kalportbus::setSecondName(const std::string* n) {
-    kaltext::replace(secondName, n);
+    kalnames::reassign(secondName, n);
 }
 void kalportbus::clearBits() {
     if (bits) bits->clear();

@@ -2,13 +2,29 @@
 
 // The value map alone decides whether an attribute exists; the vendor map is
 // written alongside but never kept in step (removal leaves the vendor entry).
+//
+// Nearly every port and net of a large design carries no attribute at all, so
+// both maps are made on the first write; a missing map reads as empty.
 
-kalattributes::kalattributes()
-    : values(new std::map<std::string, std::string>()), vendors(new std::map<std::string, std::string>()) {}
+namespace {
+
+using attrmap = std::map<std::string, std::string>;
+
+attrmap* copyOrNull(const attrmap* m) {
+    return m && !m->empty() ? new attrmap(*m) : nullptr;
+}
+
+attrmap& made(attrmap*& m) {
+    if (!m) m = new attrmap();
+    return *m;
+}
+
+}  // namespace
+
+kalattributes::kalattributes() : values(nullptr), vendors(nullptr) {}
 
 kalattributes::kalattributes(const kalattributes& other)
-    : values(new std::map<std::string, std::string>(*other.values)),
-      vendors(new std::map<std::string, std::string>(*other.vendors)) {}
+    : values(copyOrNull(other.values)), vendors(copyOrNull(other.vendors)) {}
 
 kalattributes::~kalattributes() {
     delete values;
@@ -16,12 +32,12 @@ kalattributes::~kalattributes() {
 }
 
 int kalattributes::hasAttribute(const std::string* name) {
-    if (!name) return 0;
+    if (!name || !values) return 0;
     return values->count(*name) ? 1 : 0;
 }
 
 const std::string* kalattributes::getAttributeValue(const std::string* name) {
-    if (!name) return nullptr;
+    if (!name || !values) return nullptr;
     auto it = values->find(*name);
     return it == values->end() ? nullptr : &it->second;
 }
@@ -52,36 +68,38 @@ void kalattributes::setAttribute(const std::string* name, const std::string* val
     if (!name || !value || !vendor) return;
     if (hasAttribute(name)) {
         values->erase(*name);
-        vendors->erase(*name);
+        made(vendors).erase(*name);
     }
-    values->emplace(*name, *value);
-    vendors->emplace(*name, *vendor);  // never overwrites a stale vendor entry
+    made(values).emplace(*name, *value);
+    made(vendors).emplace(*name, *vendor);  // never overwrites a stale vendor entry
 }
 
 void kalattributes::setAttributeValue(const std::string* name, const std::string* value) {
     if (!name || !value) return;
-    (*values)[*name] = *value;
+    made(values)[*name] = *value;
 }
 
 void kalattributes::removeAttribute(const std::string* name) {
-    if (!name) return;
+    if (!name || !values) return;
     values->erase(*name);
 }
 
 void kalattributes::removeAllAttributes() {
-    values->clear();
-    vendors->clear();
+    if (values) values->clear();
+    if (vendors) vendors->clear();
 }
 
 void kalattributes::copyAttributesFrom(const kalattributes& other) {
     // A merge in which this set wins on every name it already has.
-    values->insert(other.values->begin(), other.values->end());
-    vendors->insert(other.vendors->begin(), other.vendors->end());
+    if (other.values && !other.values->empty())
+        made(values).insert(other.values->begin(), other.values->end());
+    if (other.vendors && !other.vendors->empty())
+        made(vendors).insert(other.vendors->begin(), other.vendors->end());
 }
 
 std::map<std::string, std::string> kalattributes::getValueMap() const {
-    return *values;
+    return values ? *values : attrmap();
 }
 std::map<std::string, std::string> kalattributes::getVendorMap() const {
-    return *vendors;
+    return vendors ? *vendors : attrmap();
 }
