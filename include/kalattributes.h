@@ -9,8 +9,9 @@
 
 class KALDATA_API kalattributes {
 private:
-    std::map<std::string, std::string>* values;
-    std::map<std::string, std::string>* vendors;
+    // The value map and the vendor map, made together on the first write.
+    struct maps;
+    maps* values;
 
 public:
     kalattributes();

@@ -19,14 +19,13 @@ class KALDATA_API kalport : public kalattributes {
 private:
     kalcomponent* component;
     const std::string* name;  // shared with every equal port name
-    const std::string* secondName;
-    std::string* text;
     kalportbus* bus;
     kalnet* net;
     int direction;
-    kalport* exportedTo;
-    kalport* exportedFrom;
-    kaldualport* dualPort;
+    // The second name where it differs from the name, the text, the export
+    // partners and the dual port: few ports have any, so they live apart.
+    struct extras;
+    extras* extra;
 
 public:
     kalport(const std::string* name, const std::string* secondName, int direction, const std::string* text);
@@ -60,6 +59,8 @@ private:
     void setName(const std::string* name);
     void setSecondName(const std::string* secondName);
     void setDualPort(kaldualport* dualPort);
+    extras& more();
+    void storeNames(const std::string* name, const std::string* secondName);
 };
 
 class KALDATA_API kalportbus : public kalattributes {

@@ -30,22 +30,41 @@ std::string exportFromValue(const kalcomponent* c, const std::string* name) {
 
 // ---- kalport ----
 
+struct kalport::extras {
+    const std::string* secondName = nullptr;  // null: the same as the name
+    std::string* text = nullptr;
+    kalport* exportedTo = nullptr;
+    kalport* exportedFrom = nullptr;
+    kaldualport* dualPort = nullptr;
+};
+
+kalport::extras& kalport::more() {
+    if (!extra) extra = new extras();
+    return *extra;
+}
+
+// Takes one reference to each shared name. Equal names are the same shared
+// string, so a second name equal to the name is not stored apart.
+void kalport::storeNames(const std::string* n, const std::string* second) {
+    const std::string* oldName = name;
+    const std::string* oldSecond = extra ? extra->secondName : nullptr;
+    name = n;
+    if (second == n) {
+        kalnames::release(second);
+        if (extra) extra->secondName = nullptr;
+    } else {
+        more().secondName = second;
+    }
+    kalnames::release(oldName);
+    kalnames::release(oldSecond);
+}
+
 kalport::kalport(const std::string* name_, const std::string* secondName_, int direction_,
                  const std::string* text_)
-    : component(nullptr),
-      name(nullptr),
-      secondName(nullptr),
-      text(nullptr),
-      bus(nullptr),
-      net(nullptr),
-      direction(0),
-      exportedTo(nullptr),
-      exportedFrom(nullptr),
-      dualPort(nullptr) {
+    : component(nullptr), name(nullptr), bus(nullptr), net(nullptr), direction(0), extra(nullptr) {
     if (!name_ || !secondName_ || !validDirection(direction_)) return;
-    name = kalnames::acquire(*name_);
-    secondName = kalnames::acquire(*secondName_);
-    text = kaltext::copyOf(text_);
+    storeNames(kalnames::acquire(*name_), kalnames::acquire(*secondName_));
+    if (text_) more().text = new std::string(*text_);
     direction = direction_;
 }
 
@@ -56,7 +75,7 @@ void kalport::unsetBus() {
     bus = nullptr;
 }
 kaldualport* kalport::getDualPort() {
-    return dualPort;
+    return extra ? extra->dualPort : nullptr;
 }
 
 void kalport::connect(kalnet* n) {
@@ -86,25 +105,26 @@ bool kalport::exportTo(kalport* target) {
     }
     if (target->net != net) return false;
     unexport();
-    if (target->exportedFrom) target->exportedFrom->unexport();
-    target->exportedFrom = this;
+    if (kalport* previous = target->getExportedFrom()) previous->unexport();
+    target->more().exportedFrom = this;
     std::string value = exportFromValue(component, name);
     target->setAttributeValue(&exportFromKey(), &value);
-    exportedTo = target;
+    more().exportedTo = target;
     return true;
 }
 
 void kalport::unexport() {
-    if (!exportedTo) return;
-    exportedTo->exportedFrom = nullptr;
-    exportedTo = nullptr;
+    kalport* target = getExportedTo();
+    if (!target) return;
+    target->extra->exportedFrom = nullptr;
+    extra->exportedTo = nullptr;
 }
 
 kalport* kalport::getExportedFrom() {
-    return exportedFrom;
+    return extra ? extra->exportedFrom : nullptr;
 }
 kalport* kalport::getExportedTo() {
-    return exportedTo;
+    return extra ? extra->exportedTo : nullptr;
 }
 
 std::vector<kalport*> kalport::getConnectedPorts() {
@@ -117,6 +137,7 @@ std::vector<kalport*> kalport::getConnectedPorts() {
 
 std::vector<kalport*> kalport::getPortsOfDualPort() {
     std::vector<kalport*> out;
+    kaldualport* dualPort = getDualPort();
     if (!dualPort) return out;
     out = dualPort->getPortList();
     for (auto it = out.begin(); it != out.end(); ++it) {
@@ -130,7 +151,8 @@ std::vector<kalport*> kalport::getPortsOfDualPort() {
 
 bool kalport::operator==(const kalport& other) const {
     if (this == &other) return true;
-    if (!kaltext::same(name, other.name) || !kaltext::same(secondName, other.secondName)) return false;
+    // Names are shared strings: equal text is the same pointer.
+    if (name != other.name || getSecondName() != other.getSecondName()) return false;
     if (component == other.component) return true;
     if (!component || !other.component) return false;
     return *component == *other.component;
@@ -143,18 +165,22 @@ bool kalport::operator!=(const kalport& other) const {
 kalport::~kalport() {
     if (net) net->disconnect(this, true);
     if (bus) bus->disconnect(this);
-    if (kaldualport* dp = dualPort) {
+    if (kaldualport* dp = getDualPort()) {
         dp->removePort(kalpaths::portPath(this));
         // The key can miss (a root component whose "Name" is not its instance
         // name, a port listed twice): no entry may outlive the port.
         kalaccess::forgetPort(dp, this);
     }
     // An export partner must not keep pointing at a port that is gone.
-    if (exportedTo && exportedTo->exportedFrom == this) exportedTo->exportedFrom = nullptr;
-    if (exportedFrom && exportedFrom->exportedTo == this) exportedFrom->exportedTo = nullptr;
     kalnames::release(name);
-    kalnames::release(secondName);
-    delete text;
+    if (!extra) return;
+    if (kalport* to = extra->exportedTo; to && to->getExportedFrom() == this)
+        to->extra->exportedFrom = nullptr;
+    if (kalport* from = extra->exportedFrom; from && from->getExportedTo() == this)
+        from->extra->exportedTo = nullptr;
+    kalnames::release(extra->secondName);
+    delete extra->text;
+    delete extra;
 }
 
 kalcomponent* kalport::getComponent() const {
@@ -164,10 +190,10 @@ const std::string* kalport::getName() const {
     return name;
 }
 const std::string* kalport::getSecondName() const {
-    return secondName;
+    return extra && extra->secondName ? extra->secondName : name;
 }
 const std::string* kalport::getText() const {
-    return text;
+    return extra ? extra->text : nullptr;
 }
 kalportbus* kalport::getBus() const {
     return bus;
@@ -183,13 +209,13 @@ void kalport::setComponent(kalcomponent* c) {
     component = c;
 }
 void kalport::setName(const std::string* n) {
-    kalnames::reassign(name, n);
+    if (n) storeNames(kalnames::acquire(*n), kalnames::acquireOrNull(getSecondName()));
 }
 void kalport::setSecondName(const std::string* n) {
-    kalnames::reassign(secondName, n);
+    if (n) storeNames(kalnames::acquireOrNull(name), kalnames::acquire(*n));
 }
 void kalport::setDualPort(kaldualport* d) {
-    dualPort = d;
+    if (d || extra) more().dualPort = d;
 }
 
 // ---- kalportbus ----

@@ -4,42 +4,33 @@
 // written alongside but never kept in step (removal leaves the vendor entry).
 //
 // Nearly every port and net of a large design carries no attribute at all, so
-// both maps are made on the first write; a missing map reads as empty.
-
-namespace {
+// the maps are made on the first write; missing maps read as empty.
 
 using attrmap = std::map<std::string, std::string>;
 
-attrmap* copyOrNull(const attrmap* m) {
-    return m && !m->empty() ? new attrmap(*m) : nullptr;
-}
+struct kalattributes::maps {
+    attrmap values;
+    attrmap vendors;
+};
 
-attrmap& made(attrmap*& m) {
-    if (!m) m = new attrmap();
-    return *m;
-}
-
-}  // namespace
-
-kalattributes::kalattributes() : values(nullptr), vendors(nullptr) {}
+kalattributes::kalattributes() : values(nullptr) {}
 
 kalattributes::kalattributes(const kalattributes& other)
-    : values(copyOrNull(other.values)), vendors(copyOrNull(other.vendors)) {}
+    : values(other.values ? new maps(*other.values) : nullptr) {}
 
 kalattributes::~kalattributes() {
     delete values;
-    delete vendors;
 }
 
 int kalattributes::hasAttribute(const std::string* name) {
     if (!name || !values) return 0;
-    return values->count(*name) ? 1 : 0;
+    return values->values.count(*name) ? 1 : 0;
 }
 
 const std::string* kalattributes::getAttributeValue(const std::string* name) {
     if (!name || !values) return nullptr;
-    auto it = values->find(*name);
-    return it == values->end() ? nullptr : &it->second;
+    auto it = values->values.find(*name);
+    return it == values->values.end() ? nullptr : &it->second;
 }
 
 const std::string* kalattributes::getAttributeVendor(const std::string* name) {
@@ -66,40 +57,42 @@ const std::string* kalattributes::getVersion() {
 void kalattributes::setAttribute(const std::string* name, const std::string* value,
                                  const std::string* vendor) {
     if (!name || !value || !vendor) return;
+    if (!values) values = new maps();
     if (hasAttribute(name)) {
-        values->erase(*name);
-        made(vendors).erase(*name);
+        values->values.erase(*name);
+        values->vendors.erase(*name);
     }
-    made(values).emplace(*name, *value);
-    made(vendors).emplace(*name, *vendor);  // never overwrites a stale vendor entry
+    values->values.emplace(*name, *value);
+    values->vendors.emplace(*name, *vendor);  // never overwrites a stale vendor entry
 }
 
 void kalattributes::setAttributeValue(const std::string* name, const std::string* value) {
     if (!name || !value) return;
-    made(values)[*name] = *value;
+    if (!values) values = new maps();
+    values->values[*name] = *value;
 }
 
 void kalattributes::removeAttribute(const std::string* name) {
     if (!name || !values) return;
-    values->erase(*name);
+    values->values.erase(*name);
 }
 
 void kalattributes::removeAllAttributes() {
-    if (values) values->clear();
-    if (vendors) vendors->clear();
+    delete values;
+    values = nullptr;
 }
 
 void kalattributes::copyAttributesFrom(const kalattributes& other) {
     // A merge in which this set wins on every name it already has.
-    if (other.values && !other.values->empty())
-        made(values).insert(other.values->begin(), other.values->end());
-    if (other.vendors && !other.vendors->empty())
-        made(vendors).insert(other.vendors->begin(), other.vendors->end());
+    if (!other.values || &other == this) return;
+    if (!values) values = new maps();
+    values->values.insert(other.values->values.begin(), other.values->values.end());
+    values->vendors.insert(other.values->vendors.begin(), other.values->vendors.end());
 }
 
 std::map<std::string, std::string> kalattributes::getValueMap() const {
-    return values ? *values : attrmap();
+    return values ? values->values : attrmap();
 }
 std::map<std::string, std::string> kalattributes::getVendorMap() const {
-    return vendors ? *vendors : attrmap();
+    return values ? values->vendors : attrmap();
 }
