@@ -160,8 +160,9 @@ void BM_RemoveInstance(benchmark::State& state) {
         c->data->generators = nullptr;
         m.design->removeInstance(&inst);
     });
+    state.SetComplexityN(state.range(0));
 }
-BENCHMARK(BM_RemoveInstance)->Arg(10000)->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_RemoveInstance)->Arg(1000)->Arg(10000)->Arg(100000)->Complexity()->Unit(benchmark::kMicrosecond);
 
 }  // namespace
 

@@ -49,6 +49,17 @@ bool receives(const kalport* port, const kaldesign* design) {
     return isTopPort(port, design) ? (d == 2 || d == 3) : (d == 1 || d == 3);
 }
 
+kalport* firstTopPort(kalnet* net) {
+    kalportlist* list = kalaccess::portList(net);
+    kalport* found = nullptr;
+    if (list)
+        list->anyOf([&](kalport* p) {
+            if (isTopPort(p, net->getDesign())) found = p;
+            return found != nullptr;
+        });
+    return found;
+}
+
 }  // namespace kalroles
 
 // ---- kalnet ----

@@ -5,6 +5,7 @@
 #define KALDATA_SRC_CONNECTIVITY_ROLES_H
 
 class kaldesign;
+class kalnet;
 class kalport;
 
 namespace kalroles {
@@ -12,6 +13,8 @@ namespace kalroles {
 bool isTopPort(const kalport* port, const kaldesign* design);
 bool drives(const kalport* port, const kaldesign* design);
 bool receives(const kalport* port, const kaldesign* design);
+// The first entry of the net's getTop(), without scanning past it.
+kalport* firstTopPort(kalnet* net);
 
 }  // namespace kalroles
 

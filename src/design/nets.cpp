@@ -2,6 +2,7 @@
 #include <memory>
 
 #include "connectivity/access.h"
+#include "connectivity/roles.h"
 #include "connectivity/bits.h"
 #include "design/prune.h"
 #include "events/events.h"
@@ -47,10 +48,10 @@ bool kaldesign::changeNetName(const std::string* oldName, const std::string* new
     }
     kalaccess::setName(net, &to);
     kalaccess::setSecondName(net, &to);
-    std::vector<kalport*> top = net->getTop();
-    if (!top.empty() && top[0]->getComponent()) {
-        const std::string portName = *top[0]->getName();
-        top[0]->getComponent()->changePortName(&portName, &to);
+    kalport* top = kalroles::firstTopPort(net);
+    if (top && top->getComponent()) {
+        const std::string portName = *top->getName();
+        top->getComponent()->changePortName(&portName, &to);
     }
     sendRename("net", net->getDesign(), from, to);
     return true;
@@ -95,12 +96,12 @@ bool kaldesign::changeNetbusName(const std::string* oldName, const std::string* 
     kalaccess::setSecondName(bus, &to);
 
     // A bus without slots fails here, after the rename, as it always has.
-    std::vector<kalport*> top = bus->getBits().at(0)->getTop();
-    if (top.empty()) return false;  // the rename stays; no port bus to follow it
-    kalportbus* portbus = top[0]->getBus();
-    if (portbus && top[0]->getComponent()) {
+    kalport* top = kalroles::firstTopPort(bus->getBits().at(0));
+    if (!top) return false;  // the rename stays; no port bus to follow it
+    kalportbus* portbus = top->getBus();
+    if (portbus && top->getComponent()) {
         const std::string busName = *portbus->getName();
-        top[0]->getComponent()->changePortbusName(&busName, &to);
+        top->getComponent()->changePortbusName(&busName, &to);
     }
     sendRename("netbus", bus->getDesign(), from, to);
     return true;
