@@ -298,6 +298,8 @@ const std::string& ownName(kalcomponent* c) {
 
 kalcomponent* kalcomponent::getComponent(const std::string* path) {
     static const std::string slash("/");
+    // A single part names this component or nothing; every connect by instance name comes here.
+    if (path && path->find(slash) == std::string::npos) return *path == ownName(this) ? this : nullptr;
     std::unique_ptr<std::vector<std::string>> parts(kalutilities::deconstructString(path, &slash));
     if (!parts) return nullptr;
     if (parts->size() == 1) return (*parts)[0] == ownName(this) ? this : nullptr;
