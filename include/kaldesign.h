@@ -20,6 +20,7 @@ class kaldualportbus;
 class kalelement;
 class kaldesigndata;
 struct kalinstanceorder;
+struct kalnetindex;
 
 class KALDATA_API kaldesign {
 public:
@@ -87,6 +88,7 @@ private:
     std::map<std::string, kaldualportbus*>* dualPortbusMap;
     std::list<kalelement*>* virtualElementList;
     kalinstanceorder* instanceOrder;  // finds an instance's place in the list without walking it
+    kalnetindex* netIndex;            // finds a net by name without walking the net map
 
     friend class kaldesign;
 

@@ -152,3 +152,35 @@ TEST_F(editing, net_and_net_bus_removal) {
               (ptrs{nullptr, nullptr, nullptr, nullptr, r}));
     delete r;  // the caller's now
 }
+
+// Lookups by net name go through an index over the net map; after every kind
+// of change, and after an edit of the map from outside, they answer as the map does.
+TEST_F(editing, net_lookup_answers_like_the_net_map) {
+    std::map<std::string, kalnet*>* nets = d->data->getNetMap();
+    std::vector<std::string> names;
+    for (int i = 0; i < 60; ++i) {
+        names.push_back("n" + std::to_string(i));
+        top->addNet(&names.back(), &names.back(), S(""), nullptr);
+    }
+    top->addNetbus(S("b"), S(""), S("b"), 3, 0, nullptr);
+    names.insert(names.end(), {"b[0]", "b[3]", "c[0]", "c[3]", "m", "gone", "x"});
+    auto agree = [&](const char* step) {
+        for (const std::string& n : names) {
+            auto it = nets->find(n);
+            EXPECT_EQ(d->getNet(&n), it == nets->end() ? nullptr : it->second) << step << ' ' << n;
+        }
+    };
+    agree("built");
+    for (int i = 0; i < 60; i += 3)  // the first of each new name wins, the rest are refused
+        d->changeNetName(&names[i], S(i % 2 ? "m" : "x"));
+    agree("renamed");
+    for (int i = 1; i < 60; i += 4)
+        ASSERT_TRUE(d->removeNet(&names[i]));
+    d->changeNetbusName(S("b"), S("c"));  // renamed although refused: no top port
+    agree("removed and bus renamed");
+    kalnet outside(S("gone"), S("gone"), nullptr);
+    nets->emplace("gone", &outside);  // an edit from outside
+    agree("outside insert");
+    nets->erase("gone");
+    agree("outside erase");
+}

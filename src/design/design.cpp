@@ -4,6 +4,7 @@
 #include "core/identity.h"
 #include "core/maps.h"
 #include "design/instanceorder.h"
+#include "design/netindex.h"
 #include "events/events.h"
 #include "events/paths.h"
 #include "kalcomponent.h"
@@ -39,7 +40,8 @@ kaldesigndata::kaldesigndata()
       dualPortMap(new std::map<std::string, kaldualport*>()),
       dualPortbusMap(new std::map<std::string, kaldualportbus*>()),
       virtualElementList(new std::list<kalelement*>()),
-      instanceOrder(new kalinstanceorder(*instanceList)) {}
+      instanceOrder(new kalinstanceorder(*instanceList)),
+      netIndex(new kalnetindex(*netMap)) {}
 
 kaldesigndata::~kaldesigndata() {
     // Buses before their members: a dual port bus clears its members' bus links
@@ -48,6 +50,7 @@ kaldesigndata::~kaldesigndata() {
     destroyAll(dualPortbusMap);
     destroyAll(dualPortMap);
     destroyAll(netbusMap);
+    delete netIndex;
     destroyAll(netMap);
     destroyAll(instanceMap);
     delete instanceOrder;
@@ -122,7 +125,7 @@ kalnetbus* kaldesign::getNetbus(const std::string* name) {
 }
 
 kalnet* kaldesign::getNet(const std::string* name) {
-    return kalmaps::find(*data->getNetMap(), name);
+    return data->netIndex->lookup(name);
 }
 
 std::list<kalelement*>* kaldesign::getVirtualElements() {
@@ -199,12 +202,12 @@ bool kaldesign::addInstance(std::string* name, kalcomponent* component) {
 bool kaldesign::addNet(const std::string* name, const std::string* secondName, const std::string* type,
                        const std::string* text) {
     static const std::string typeKey("type");
-    auto* nets = data->getNetMap();
-    if (!name || !secondName || nets->count(*name)) return false;
+    kalnetindex& nets = *data->netIndex;
+    if (!name || !secondName || nets.contains(*name)) return false;
     auto* net = new kalnet(name, secondName, text);
     if (type && !type->empty()) net->setAttribute(&typeKey, type, &kalidentity::spirit);
-    auto it = nets->emplace(*name, net).first;
-    kalaccess::setDesign(it->second, this);
+    nets.emplace(*name, net);
+    kalaccess::setDesign(net, this);
     return true;
 }
 

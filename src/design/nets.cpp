@@ -4,6 +4,7 @@
 #include "connectivity/access.h"
 #include "connectivity/roles.h"
 #include "connectivity/bits.h"
+#include "design/netindex.h"
 #include "design/prune.h"
 #include "events/events.h"
 #include "events/paths.h"
@@ -35,15 +36,15 @@ bool kaldesign::removeNetbus(const std::string* name) {
 }
 
 bool kaldesign::changeNetName(const std::string* oldName, const std::string* newName) {
-    auto* nets = data->getNetMap();
+    kalnetindex& nets = *data->netIndex;
     if (!oldName || !newName) return false;
-    auto it = nets->find(*oldName);
-    if (it == nets->end()) return false;
+    auto it = nets.find(*oldName);
+    if (it == data->getNetMap()->end()) return false;
     const std::string from = *oldName, to = *newName;  // either may be the net's own name
     kalnet* net = it->second;
-    nets->erase(it);
-    if (!nets->emplace(to, net).second) {
-        nets->emplace(from, net);
+    nets.erase(it);
+    if (!nets.emplace(to, net)) {
+        nets.emplace(from, net);
         return false;
     }
     kalaccess::setName(net, &to);
@@ -59,7 +60,7 @@ bool kaldesign::changeNetName(const std::string* oldName, const std::string* new
 
 bool kaldesign::changeNetbusName(const std::string* oldName, const std::string* newName) {
     auto* buses = data->getNetbusMap();
-    auto* nets = data->getNetMap();
+    kalnetindex& nets = *data->netIndex;
     if (!oldName || !newName || oldName->empty() || newName->empty() || *oldName == *newName) return false;
     if (buses->count(*newName)) return false;
     auto it = buses->find(*oldName);
@@ -75,7 +76,7 @@ bool kaldesign::changeNetbusName(const std::string* oldName, const std::string* 
                          [&](std::size_t, kalnet* bit, unsigned int index) {
                              if (!bit || clash) return;
                              std::unique_ptr<std::string> n(kalutilities::constructBusBit(&to, index));
-                             if (nets->count(*n)) clash = true;
+                             if (nets.contains(*n)) clash = true;
                              names.push_back(*n);
                          });
     if (clash) {
@@ -86,10 +87,10 @@ bool kaldesign::changeNetbusName(const std::string* oldName, const std::string* 
     for (kalnet* bit : slots) {
         if (!bit) continue;
         const std::string& bitName = names[next++];
-        nets->erase(*bit->getName());
+        nets.erase(*bit->getName());
         kalaccess::setName(bit, &bitName);
         kalaccess::setSecondName(bit, &bitName);
-        nets->emplace(bitName, bit);
+        nets.emplace(bitName, bit);
     }
     buses->emplace(to, bus);
     kalaccess::setName(bus, &to);
@@ -112,36 +113,36 @@ bool kaldesign::changeNetBusRange(const std::string* name, unsigned int first, u
     if (!bus) return false;
     if (kalbits::width(first, last) != kalbits::width(bus->getMsb(), bus->getLsb())) return false;
     if (first == bus->getMsb() && last == bus->getLsb()) return true;
-    auto* nets = data->getNetMap();
+    kalnetindex& nets = *data->netIndex;
     const std::string busName = *name;
     const std::vector<kalnet*> slots = bus->getBits();
     std::vector<std::unique_ptr<std::string>> fresh(slots.size());
     kalbits::forEachSlot(slots, first, last, [&](std::size_t k, kalnet* bit, unsigned int index) {
         if (!bit) return;
         fresh[k].reset(kalutilities::constructBusBit(&busName, index));
-        nets->erase(*bit->getName());
+        nets.erase(*bit->getName());
     });
     // Proceeds only when every new name is already a key (held by other nets).
     for (auto& n : fresh) {
-        if (!n || nets->count(*n)) continue;
+        if (!n || nets.contains(*n)) continue;
         for (kalnet* bit : slots)
-            if (bit) nets->emplace(*bit->getName(), bit);
+            if (bit) nets.emplace(*bit->getName(), bit);
         return false;
     }
     for (std::size_t k = 0; k < slots.size(); ++k) {
         if (!slots[k]) continue;
         kalaccess::setName(slots[k], fresh[k].get());
-        nets->emplace(*fresh[k], slots[k]);  // a taken key keeps its present entry
+        nets.emplace(*fresh[k], slots[k]);  // a taken key keeps its present entry
     }
     kalaccess::setRange(bus, first, last);
     return true;
 }
 
 bool kaldesign::removeNet(const std::string* name) {
-    auto* nets = data->getNetMap();
+    kalnetindex& nets = *data->netIndex;
     if (!name) return false;
-    auto it = nets->find(*name);
-    if (it == nets->end()) return false;
+    auto it = nets.find(*name);
+    if (it == data->getNetMap()->end()) return false;
     const std::string netName = *name;
     kalnet* net = it->second;
     for (kalport* port : net->getPorts()) {
@@ -155,7 +156,7 @@ bool kaldesign::removeNet(const std::string* name) {
         }
     }
     kalevents::emit("net", "rem", "net", kalpaths::designPath(net->getDesign(), netName));
-    nets->erase(netName);
+    nets.erase(netName);
     kalnetbus* bus = net->getBus();
     std::vector<kalnet*> bits = bus ? bus->getBits() : std::vector<kalnet*>();
     if (!bits.empty()) {
