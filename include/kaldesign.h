@@ -21,6 +21,7 @@ class kalelement;
 class kaldesigndata;
 struct kalinstanceorder;
 struct kalnetindex;
+struct kalinstanceindex;
 
 class KALDATA_API kaldesign {
 public:
@@ -89,6 +90,7 @@ private:
     std::list<kalelement*>* virtualElementList;
     kalinstanceorder* instanceOrder;  // finds an instance's place in the list without walking it
     kalnetindex* netIndex;            // finds a net by name without walking the net map
+    kalinstanceindex* instanceIndex;  // the same for instances
 
     friend class kaldesign;
 

@@ -97,4 +97,17 @@ TEST_F(removal, instance_list_order_matches_a_plain_list) {
     ASSERT_TRUE(d->removeInstance(S("d")));
     expected.remove(expected.front());
     EXPECT_EQ(*list, expected);
+
+    // Lookups by instance name answer as the instance map does, also after outside edits of its size.
+    std::map<std::string, kalcomponent*>* map = d->data->getInstanceMap();
+    auto agree = [&] {
+        for (std::string n : {"a", "b", "c", "d", "e", "f", "g"}) {
+            auto it = map->find(n);
+            EXPECT_EQ(d->getInstance(&n), it == map->end() ? nullptr : it->second) << n;
+        }
+    };
+    (*map)["g"] = inst("e");
+    agree();
+    map->erase("g");
+    agree();
 }

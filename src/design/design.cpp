@@ -4,7 +4,7 @@
 #include "core/identity.h"
 #include "core/maps.h"
 #include "design/instanceorder.h"
-#include "design/netindex.h"
+#include "design/nameindex.h"
 #include "events/events.h"
 #include "events/paths.h"
 #include "kalcomponent.h"
@@ -41,7 +41,8 @@ kaldesigndata::kaldesigndata()
       dualPortbusMap(new std::map<std::string, kaldualportbus*>()),
       virtualElementList(new std::list<kalelement*>()),
       instanceOrder(new kalinstanceorder(*instanceList)),
-      netIndex(new kalnetindex(*netMap)) {}
+      netIndex(new kalnetindex(*netMap)),
+      instanceIndex(new kalinstanceindex(*instanceMap)) {}
 
 kaldesigndata::~kaldesigndata() {
     // Buses before their members: a dual port bus clears its members' bus links
@@ -52,6 +53,7 @@ kaldesigndata::~kaldesigndata() {
     destroyAll(netbusMap);
     delete netIndex;
     destroyAll(netMap);
+    delete instanceIndex;
     destroyAll(instanceMap);
     delete instanceOrder;
     delete instanceList;
@@ -111,7 +113,7 @@ void kaldesign::removeAttribute(const std::string* key) {
 
 kalcomponent* kaldesign::getInstance(const std::string* name) {
     if (!name || name->empty()) return owner;
-    return kalmaps::find(*data->getInstanceMap(), name);
+    return data->instanceIndex->lookup(name);
 }
 
 kalport* kaldesign::getComponentPort(const std::string* portName, const std::string* instanceName) {
@@ -188,8 +190,7 @@ bool kaldesign::operator!=(const kaldesign& other) const {
 // ---- adding ----
 
 bool kaldesign::addInstance(std::string* name, kalcomponent* component) {
-    if (!name || !component || data->getInstanceMap()->count(*name)) return false;
-    data->getInstanceMap()->emplace(*name, component);
+    if (!name || !component || !data->instanceIndex->emplace(*name, component)) return false;
     kalaccess::setInstanceName(component, *name);
     component->parentDesign = this;
     data->instanceOrder->append(component);
@@ -234,6 +235,6 @@ bool kaldesign::addNetbus(const std::string* name, const std::string* type, cons
 }
 
 void kaldesign::removeAllInstances() {
-    data->getInstanceMap()->clear();
+    data->instanceIndex->clear();
     data->instanceOrder->clear();
 }

@@ -1,6 +1,7 @@
 // Instance removal: detaching an instance's ports, pruning the nets that lose
 // their point, destroying the instance and reporting it.
 #include "design/instanceorder.h"
+#include "design/nameindex.h"
 #include "design/prune.h"
 #include "events/events.h"
 #include "events/paths.h"
@@ -11,9 +12,9 @@
 
 bool kaldesign::removeInstance(const std::string* name) {
     if (!name) return false;
-    auto* instances = data->getInstanceMap();
-    auto it = instances->find(*name);
-    if (it == instances->end()) return false;
+    kalinstanceindex& instances = *data->instanceIndex;
+    auto it = instances.find(*name);
+    if (it == data->getInstanceMap()->end()) return false;
     const std::string instanceName = *name;  // may be the instance's own name string
     kalcomponent* instance = it->second;
     const std::string path = kalpaths::designPath(this, instanceName);
@@ -34,7 +35,7 @@ bool kaldesign::removeInstance(const std::string* name) {
     }
     data->instanceOrder->remove(instance);
     delete instance;
-    instances->erase(instanceName);
+    instances.erase(instanceName);
     kalevents::emit("design", "remove", [&](kalevents::record& r) { r.set("instance", path); });
     return true;
 }

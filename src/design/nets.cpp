@@ -4,7 +4,7 @@
 #include "connectivity/access.h"
 #include "connectivity/roles.h"
 #include "connectivity/bits.h"
-#include "design/netindex.h"
+#include "design/nameindex.h"
 #include "design/prune.h"
 #include "events/events.h"
 #include "events/paths.h"
