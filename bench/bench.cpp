@@ -11,6 +11,7 @@
 
 #include "kaldata.h"
 #include "kalrecorder.h"
+#include "release.h"
 
 namespace {
 
@@ -60,14 +61,7 @@ struct model {
         }
     }
 
-    ~model() {
-        std::vector<kalgenerators*> registries{top->data->generators};
-        for (auto& inst : *design->data->getInstanceMap())
-            registries.push_back(inst.second->data->generators);
-        delete top;
-        for (auto* r : registries)
-            delete r;
-    }
+    ~model() { releaseRoot(top, design); }
 
     static std::string net_name(std::size_t i, int j) {
         return "n" + std::to_string(i) + "_" + std::to_string(j);

@@ -8,6 +8,7 @@
 
 #include "kaldata.h"
 #include "kalrecorder.h"
+#include "release.h"
 
 namespace {
 
@@ -34,14 +35,7 @@ struct fan {
             if (i < f) design->connect(&net, &port, &inst);
         }
     }
-    ~fan() {
-        std::vector<kalgenerators*> registries{top->data->generators};
-        for (auto& inst : *design->data->getInstanceMap())
-            registries.push_back(inst.second->data->generators);
-        delete top;
-        for (auto* r : registries)
-            delete r;
-    }
+    ~fan() { releaseRoot(top, design); }
     static std::string instance(std::size_t i) { return "u" + std::to_string(i); }
 };
 
