@@ -94,8 +94,11 @@ bool kaldesign::changeNetbusName(const std::string* oldName, const std::string* 
     kalaccess::setName(bus, &to);
     kalaccess::setSecondName(bus, &to);
 
-    // A bus without slots fails here, after the rename, as it always has.
-    std::vector<kalport*> top = bus->getBits().at(0)->getTop();
+    // A bus without slots fails here, after the rename, as it always has. An
+    // empty first slot (its net destroyed while another bus held it too)
+    // reaches no top port.
+    kalnet* first = bus->getBits().at(0);
+    std::vector<kalport*> top = first ? first->getTop() : std::vector<kalport*>();
     if (top.empty()) return false;  // the rename stays; no port bus to follow it
     kalportbus* portbus = top[0]->getBus();
     if (portbus && top[0]->getComponent()) {
