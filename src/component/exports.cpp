@@ -98,6 +98,9 @@ int unexportPort(kalport* port) {
     kalnet* net = port->getNet();
     if (net) net->disconnect(top, false);
     const std::string topPortName = *top->getName();
+    // Pruning the net can destroy the port itself: on a net of its own
+    // component's design it counts as a top port there.
+    const std::string portName = *port->getName();
     kalcomponent* topOwner = top->getComponent();
     const std::string topPath = topOwner ? kalpaths::portPath(top) : std::string();
     const std::string netPath =
@@ -107,7 +110,7 @@ int unexportPort(kalport* port) {
     markChanged(enclosing);
     kalevents::emit("export", "rem", [&](kalevents::record& r) {
         if (netGone) r.set("net", netPath);
-        r.set("port", *port->getName());
+        r.set("port", portName);
         r.set("topport", topPath);
     });
     return 1;

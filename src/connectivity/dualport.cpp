@@ -8,6 +8,7 @@
 
 #include "connectivity/access.h"
 #include "connectivity/bits.h"
+#include "connectivity/duallists.h"
 #include "events/paths.h"
 #include "kalcomponent.h"
 #include "kaldesign.h"
@@ -16,17 +17,34 @@
 
 namespace {
 
+// Every dual port that lists a port, whatever the port's link says (see duallists.h).
+std::map<const kalport*, std::set<kaldualport*>>& listers() {
+    // Never freed: model objects may still die during static destruction.
+    static auto* table = new std::map<const kalport*, std::set<kaldualport*>>();
+    return *table;
+}
+
 // ---- port <-> dual port: the only two places where the pair changes ----
 
 void enlist(std::vector<kalport*>& list, kalport* port, kaldualport* dualPort) {
     list.push_back(port);
-    if (port) kalaccess::setDualPort(port, dualPort);
+    if (!port) return;
+    kalaccess::setDualPort(port, dualPort);
+    listers()[port].insert(dualPort);
 }
 
-kalport* delist(std::vector<kalport*>& list, std::vector<kalport*>::iterator at) {
+kalport* delist(std::vector<kalport*>& list, std::vector<kalport*>::iterator at, kaldualport* dualPort) {
     kalport* port = *at;
     list.erase(at);
-    if (port) kalaccess::setDualPort(port, nullptr);
+    if (!port) return port;
+    kalaccess::setDualPort(port, nullptr);
+    if (std::find(list.begin(), list.end(), port) == list.end()) {
+        auto it = listers().find(port);
+        if (it != listers().end()) {
+            it->second.erase(dualPort);
+            if (it->second.empty()) listers().erase(it);
+        }
+    }
     return port;
 }
 
@@ -101,6 +119,15 @@ std::size_t slotOf(unsigned int msb, unsigned int lsb, unsigned int index) {
 
 }  // namespace
 
+void kalduallists::portGone(const kalport* port) {
+    auto it = listers().find(port);
+    if (it == listers().end()) return;
+    const std::set<kaldualport*> lists = std::move(it->second);
+    listers().erase(it);
+    for (kaldualport* dualPort : lists)
+        kalaccess::forgetPort(dualPort, port);
+}
+
 // ---------------------------------------------------------------- kaldualport
 
 kaldualport::kaldualport(const std::string& name_) : name(name_), design(nullptr), bus(nullptr) {}
@@ -126,7 +153,7 @@ bool kaldualport::addPort(std::vector<kalport*> added) {
 kalport* kaldualport::removePort(const std::string& hierarchicalName) {
     if (hierarchicalName.empty() || ports.empty()) return nullptr;
     for (auto it = ports.begin(); it != ports.end(); ++it) {
-        if (memberNameIs(*it, hierarchicalName)) return delist(ports, it);
+        if (memberNameIs(*it, hierarchicalName)) return delist(ports, it, this);
     }
     return nullptr;
 }
@@ -176,7 +203,7 @@ void kaldualport::unsetBus() {
 
 kaldualport::~kaldualport() {
     while (!ports.empty())
-        delist(ports, ports.begin());
+        delist(ports, ports.begin(), this);
 
     if (bus) {
         bus->disconnect(this);

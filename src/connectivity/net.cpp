@@ -1,5 +1,6 @@
 #include "connectivity/access.h"
 #include "connectivity/bits.h"
+#include "connectivity/heldbits.h"
 #include "connectivity/portlist.h"
 #include "connectivity/propagate.h"
 #include "core/names.h"
@@ -145,6 +146,7 @@ bool kalnet::operator!=(const kalnet& other) const {
 }
 
 kalnet::~kalnet() {
+    kalheldbits::netGone(this);  // buses other than its own may still hold it
     if (ports) {
         while (!ports->empty())
             ports->popBack()->disconnect(this);
@@ -215,8 +217,11 @@ kalnetbus* kalnetbus::createNetBus(const std::string* name, const std::string* s
     auto* b = new kalnetbus(name, secondName, msb, lsb, text);
     delete b->bits;
     b->bits = new std::vector<kalnet*>(nets);
-    for (kalnet* n : nets)
-        if (n) n->setBus(b);
+    for (kalnet* n : nets) {
+        if (!n) continue;
+        kalheldbits::joined(n, b);  // another bus may hold it too
+        n->setBus(b);
+    }
     return b;
 }
 
@@ -231,6 +236,7 @@ void kalnetbus::connect(unsigned int i, kalnet* net) {
     if (s >= bits->size()) return;
     disconnect(i);
     (*bits)[s] = net;
+    kalheldbits::joined(net, this);  // another bus may hold it too
     net->setBus(this);
 }
 
@@ -285,6 +291,7 @@ kalnetbus::~kalnetbus() {
             if (n) n->unsetBus();
         delete bits;
     }
+    kalheldbits::busGone(this);
     kalnames::releasePair(name, secondName);
     delete text;
 }

@@ -1,5 +1,6 @@
 #include "connectivity/access.h"
 #include "connectivity/bits.h"
+#include "connectivity/duallists.h"
 #include "connectivity/propagate.h"
 #include "core/names.h"
 #include "core/text.h"
@@ -24,6 +25,14 @@ std::string exportFromValue(const kalcomponent* c, const std::string* name) {
     std::string v = c && c->data && c->data->instanceName ? *c->data->instanceName : std::string();
     v.append(".").append(name ? *name : std::string());
     return v;
+}
+
+// Empties every slot of the bus that holds this very port.
+void forgetBit(kalportbus* bus, const kalport* port) {
+    const std::vector<kalport*> slots = bus->getBits();
+    kalbits::forEachSlot(slots, bus->getMsb(), bus->getLsb(), [&](std::size_t, kalport* p, unsigned int bit) {
+        if (p == port) bus->disconnect(bit);
+    });
 }
 
 }  // namespace
@@ -165,12 +174,18 @@ bool kalport::operator!=(const kalport& other) const {
 kalport::~kalport() {
     if (net) net->disconnect(this, true);
     if (bus) bus->disconnect(this);
+    // A bit that a later bus took over (addPortbus links an existing port) is
+    // still in a slot of the bus it came from: no slot may outlive the port.
+    if (component && component->data)
+        for (auto& entry : component->data->portbuses)
+            if (entry.second) forgetBit(entry.second, this);
     if (kaldualport* dp = getDualPort()) {
         dp->removePort(kalpaths::portPath(this));
         // The key can miss (a root component whose "Name" is not its instance
         // name, a port listed twice): no entry may outlive the port.
         kalaccess::forgetPort(dp, this);
     }
+    kalduallists::portGone(this);  // dual ports other than its own may list it too
     // An export partner must not keep pointing at a port that is gone.
     kalnames::release(name);
     if (!extra) return;

@@ -178,9 +178,18 @@ bool kaldesign::isSourcePort(kalportbus* bus) const {
     return bus && drives(this, bus->getComponent(), bus->getDirection());
 }
 
+namespace {
+// A design being torn down has dropped its identity before its contents, whose
+// ports still compare components and thereby designs: it reads as having none.
+kalattributes& identityOf(const kaldesign& d) {
+    static kalattributes* none = new kalattributes();  // never freed: used up to static destruction
+    return d.identity ? *d.identity : *none;
+}
+}  // namespace
+
 bool kaldesign::operator==(const kaldesign& other) const {
     if (this == &other) return true;
-    return kalidentity::same(*identity, *other.identity) && equalComponents(owner, other.owner);
+    return kalidentity::same(identityOf(*this), identityOf(other)) && equalComponents(owner, other.owner);
 }
 
 bool kaldesign::operator!=(const kaldesign& other) const {

@@ -1,6 +1,9 @@
 // Dual port management: merging ports into dual ports and dual port buses,
 // splitting them again, and removing them. A design that no component holds
 // changes its maps but announces nothing.
+#include <set>
+#include <utility>
+
 #include "events/events.h"
 #include "events/paths.h"
 #include "kalcomponent.h"
@@ -142,11 +145,16 @@ void kaldesign::deleteDualPortBus(const std::string& name) {
     kaldualportbus* bus = getDualPortbus(name);
     if (!bus) return;
     const std::string key = name;
-    for (kaldualport* dp : bus->getSlots()) {
-        if (!dp) continue;
-        dp->unsetBus();
+    // Own names are taken first: a dual port that sits in two slots, or that an
+    // earlier member's own name deleted, is gone by the time its slot comes.
+    std::vector<std::pair<kaldualport*, std::string>> members;
+    for (kaldualport* dp : bus->getSlots())
+        if (dp) members.emplace_back(dp, dp->getName());
+    std::set<kaldualport*> gone;
+    for (auto& [dp, own] : members) {
+        if (!gone.count(dp)) dp->unsetBus();
         bus->disconnect(dp);
-        const std::string own = dp->getName();
+        if (kaldualport* victim = getDualPort(own)) gone.insert(victim);
         deleteDualPort(own);
     }
     data->getDualPortbusMap()->erase(key);

@@ -1,5 +1,7 @@
 // Instance removal: detaching an instance's ports, pruning the nets that lose
 // their point, destroying the instance and reporting it.
+#include <set>
+
 #include "design/instanceorder.h"
 #include "design/nameindex.h"
 #include "design/prune.h"
@@ -23,8 +25,21 @@ bool kaldesign::removeInstance(const std::string* name) {
     ports.reserve(instance->data->ports.size());
     for (auto& entry : instance->data->ports)
         ports.push_back(entry.second);
+    // Undoing an export can destroy ports of the instance still to come (on a
+    // net of the instance's own design they count as top ports): after one,
+    // only the ports still in the map are visited.
+    std::set<kalport*> remaining;
+    bool reworked = false;
     for (kalport* port : ports) {
-        if (port->getExportedTo()) instance->removeExport(*port->getName(), false);
+        if (reworked && !remaining.count(port)) continue;
+        if (port->getExportedTo()) {
+            instance->removeExport(*port->getName(), false);
+            remaining.clear();
+            for (auto& entry : instance->data->ports)
+                remaining.insert(entry.second);
+            reworked = true;
+            if (!remaining.count(port)) continue;
+        }
         kalnet* net = port->getNet();
         if (!net) continue;
         net->disconnect(port, true);

@@ -96,8 +96,11 @@ bool kaldesign::changeNetbusName(const std::string* oldName, const std::string* 
     kalaccess::setName(bus, &to);
     kalaccess::setSecondName(bus, &to);
 
-    // A bus without slots fails here, after the rename, as it always has.
-    kalport* top = kalroles::firstTopPort(bus->getBits().at(0));
+    // A bus without slots fails here, after the rename, as it always has. An
+    // empty first slot (its net destroyed while another bus held it too)
+    // reaches no top port.
+    kalnet* first = bus->getBits().at(0);
+    kalport* top = first ? kalroles::firstTopPort(first) : nullptr;
     if (!top) return false;  // the rename stays; no port bus to follow it
     kalportbus* portbus = top->getBus();
     if (portbus && top->getComponent()) {

@@ -1,6 +1,7 @@
 #include "support/checker.h"
 
 #include <algorithm>
+#include <map>
 #include <set>
 
 #include "kaldata.h"
@@ -16,24 +17,81 @@ bool holds(const std::vector<T*>& v, const T* x) {
     return std::find(v.begin(), v.end(), x) != v.end();
 }
 
+// A member may sit in two containers of a kind at once: a port that a second
+// port bus takes over as a bit (addPortbus), a net that a second net bus takes
+// over (addNetbus), a port added to a second dual port (also of another design:
+// an instance's port is a top port of the instance's own design), a dual port
+// connected into a second bus slot. Its link then names the newest container,
+// or none once that one let it go, while the older one still holds it. So a
+// container only requires that a member's link is its own, empty, or another
+// container that the model still holds; every member is read, so that one
+// that is gone is reported by the sanitizers.
+template <class Map, class T>
+bool maps(const Map& registered, const T* x) {
+    for (auto& entry : registered)
+        if (entry.second == x) return true;
+    return false;
+}
+bool held(const kalportbus* b) {
+    return !b || (b->getComponent() && maps(b->getComponent()->data->portbuses, b));
+}
+bool held(const kalnetbus* b) {
+    return !b || (b->getDesign() && maps(*b->getDesign()->data->getNetbusMap(), b));
+}
+bool held(const kaldualport* dp) {
+    return !dp || (dp->getDesign() && maps(*dp->getDesign()->data->getDualPortMap(), dp));
+}
+bool held(const kaldualportbus* b) {
+    return !b || (b->getDesign() && maps(*b->getDesign()->data->getDualPortbusMap(), b));
+}
+
+// Where a problem is: a path and a key, joined only when something is reported.
+struct place {
+    const std::string& where;
+    const std::string& key;
+    const char* sep;
+    const char* suffix;
+    std::string str() const { return where + sep + key + suffix; }
+};
+
 struct checker {
     std::vector<std::string> problems;
+    volatile std::size_t touched = 0;  // reads that only have to happen
+    // Copies the interface hands out, taken once per object: every port of a
+    // net, every bit of a bus asks for the same list.
+    std::map<const kalnet*, std::vector<kalport*>> netPorts;
+    std::map<const kalportbus*, std::vector<kalport*>> portBits;
+    std::map<const kalnetbus*, std::vector<kalnet*>> netBits;
+
+    const std::vector<kalport*>& portsOf(kalnet* n) {
+        auto it = netPorts.find(n);
+        return it != netPorts.end() ? it->second : netPorts.emplace(n, n->getPorts()).first->second;
+    }
+    const std::vector<kalport*>& bitsOf(kalportbus* b) {
+        auto it = portBits.find(b);
+        return it != portBits.end() ? it->second : portBits.emplace(b, b->getBits()).first->second;
+    }
+    const std::vector<kalnet*>& bitsOf(kalnetbus* b) {
+        auto it = netBits.find(b);
+        return it != netBits.end() ? it->second : netBits.emplace(b, b->getBits()).first->second;
+    }
 
     void fail(const std::string& where, const std::string& what) { problems.push_back(where + ": " + what); }
+    void fail(const place& at, const std::string& what) { fail(at.str(), what); }
 
     void component(kalcomponent* c, const std::string& where) {
         for (auto& [key, p] : c->data->ports)
-            port(c, key, p, where + "/" + key);
+            port(c, key, p, {where, key, "/", ""});
         for (auto& [key, b] : c->data->portbuses) {
-            const std::string at = where + "/" + key + "[bus]";
+            const place at{where, key, "/", "[bus]"};
             if (text(b->getName()) != key)
                 fail(at, "bus name " + text(b->getName()) + " differs from its key");
             if (b->getComponent() != c) fail(at, "bus does not point back to its component");
-            for (kalport* bit : b->getBits()) {
+            for (kalport* bit : bitsOf(b)) {
                 if (!bit) continue;
-                if (bit->getBus() != b)
-                    fail(at, "bit " + text(bit->getName()) + " does not point back to its bus");
-                auto it = c->data->ports.find(text(bit->getName()));
+                if (bit->getBus() != b && !held(bit->getBus()))
+                    fail(at, "bit " + text(bit->getName()) + " belongs to a bus that is not held");
+                auto it = bit->getName() ? c->data->ports.find(*bit->getName()) : c->data->ports.end();
                 if (it == c->data->ports.end() || it->second != bit)
                     fail(at, "bit " + text(bit->getName()) + " is not registered under its name");
             }
@@ -42,14 +100,15 @@ struct checker {
             design(c, d, where + "::" + key);
     }
 
-    void port(kalcomponent* c, const std::string& key, kalport* p, const std::string& at) {
-        if (text(p->getName()) != key) fail(at, "port name " + text(p->getName()) + " differs from its key");
+    void port(kalcomponent* c, const std::string& key, kalport* p, const place& at) {
+        if (!p->getName() || *p->getName() != key)
+            fail(at, "port name " + text(p->getName()) + " differs from its key");
         if (p->getComponent() != c) fail(at, "port does not point back to its component");
         if (kalnet* n = p->getNet()) {
-            if (!holds(n->getPorts(), p)) fail(at, "its net " + text(n->getName()) + " does not list it");
+            if (!holds(portsOf(n), p)) fail(at, "its net " + text(n->getName()) + " does not list it");
         }
         if (kalportbus* b = p->getBus()) {
-            if (!holds(b->getBits(), p)) fail(at, "its bus " + text(b->getName()) + " has no slot for it");
+            if (!holds(bitsOf(b), p)) fail(at, "its bus " + text(b->getName()) + " has no slot for it");
         }
         if (kaldualport* dp = p->getDualPort()) {
             if (!holds(dp->getPortList(), p))
@@ -81,40 +140,40 @@ struct checker {
         }
         if (listed != mapped) fail(where, "instance list and instance map hold different components");
         for (auto& [key, n] : *d->data->getNetMap()) {
-            const std::string at = where + "/" + key + "[net]";
-            if (text(n->getName()) != key)
+            const place at{where, key, "/", "[net]"};
+            if (!n->getName() || *n->getName() != key)
                 fail(at, "net name " + text(n->getName()) + " differs from its key");
             if (n->getDesign() != d) fail(at, "net's design is not the design that maps it");
-            for (kalport* p : n->getPorts())
+            for (kalport* p : portsOf(n))
                 if (p->getNet() != n) fail(at, "lists port " + text(p->getName()) + " which is not on it");
             if (kalnetbus* b = n->getBus()) {
-                if (!holds(b->getBits(), n))
-                    fail(at, "its bus " + text(b->getName()) + " has no slot for it");
+                if (!holds(bitsOf(b), n)) fail(at, "its bus " + text(b->getName()) + " has no slot for it");
             }
         }
         for (auto& [key, b] : *d->data->getNetbusMap()) {
-            const std::string at = where + "/" + key + "[netbus]";
+            const place at{where, key, "/", "[netbus]"};
             if (text(b->getName()) != key) fail(at, "net bus name differs from its key");
             if (b->getDesign() != d) fail(at, "net bus's design is not the design that maps it");
-            for (kalnet* bit : b->getBits())
-                if (bit && bit->getBus() != b)
-                    fail(at, "bit " + text(bit->getName()) + " does not point back");
+            for (kalnet* bit : bitsOf(b))
+                if (bit && bit->getBus() != b && !held(bit->getBus()))
+                    fail(at, "bit " + text(bit->getName()) + " belongs to a bus that is not held");
         }
         for (auto& [key, dp] : *d->data->getDualPortMap()) {
-            const std::string at = where + "/" + key + "[dualport]";
+            const place at{where, key, "/", "[dualport]"};
             if (dp->getDesign() != d) fail(at, "dual port's design is not the design that maps it");
             for (kalport* p : dp->getPortList())
-                if (p && p->getDualPort() != dp)
-                    fail(at, "member " + text(p->getName()) + " does not point back");
-            if (kaldualportbus* b = dp->getBus()) {
-                if (!holds(b->getSlots(), dp)) fail(at, "its bus " + b->getName() + " has no slot for it");
-            }
+                if (p && p->getDualPort() != dp && !held(p->getDualPort()))
+                    fail(at, "member " + text(p->getName()) + " belongs to a dual port that is not held");
+            // A bus keeps no slot for a dual port it let go (disconnect, an overwritten slot), nor
+            // need it be registered (removeDualPortBus hands it back); it must still exist.
+            if (kaldualportbus* b = dp->getBus()) touched += b->getSlots().size();
         }
         for (auto& [key, b] : *d->data->getDualPortbusMap()) {
-            const std::string at = where + "/" + key + "[dualportbus]";
+            const place at{where, key, "/", "[dualportbus]"};
             if (b->getDesign() != d) fail(at, "dual port bus's design is not the design that maps it");
             for (kaldualport* dp : b->getSlots())
-                if (dp && dp->getBus() != b) fail(at, "slot " + dp->getName() + " does not point back");
+                if (dp && dp->getBus() != b && !held(dp->getBus()))
+                    fail(at, "slot " + dp->getName() + " belongs to a bus that is not held");
         }
     }
 };

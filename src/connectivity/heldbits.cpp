@@ -1,0 +1,69 @@
+#include "connectivity/heldbits.h"
+
+#include <map>
+#include <set>
+#include <vector>
+
+#include "connectivity/bits.h"
+#include "kalnet.h"
+
+namespace kalheldbits {
+
+namespace {
+
+struct table {
+    std::map<const kalnet*, std::set<kalnetbus*>> holders;
+    std::map<const kalnetbus*, std::set<const kalnet*>> held;
+};
+
+table& noted() {
+    // Never freed: model objects may still die during static destruction.
+    static table* t = new table();
+    return *t;
+}
+
+}  // namespace
+
+void joined(kalnet* net, kalnetbus* bus) {
+    table& t = noted();
+    kalnetbus* link = net->getBus();
+    const bool shared = t.holders.count(net) != 0;
+    if (!shared && (!link || link == bus)) return;
+    for (kalnetbus* holder : {link, bus}) {
+        if (!holder) continue;
+        t.holders[net].insert(holder);
+        t.held[holder].insert(net);
+    }
+}
+
+void netGone(const kalnet* net) {
+    table& t = noted();
+    auto it = t.holders.find(net);
+    if (it == t.holders.end()) return;
+    const std::set<kalnetbus*> holders = std::move(it->second);
+    t.holders.erase(it);
+    for (kalnetbus* bus : holders) {
+        auto h = t.held.find(bus);
+        if (h != t.held.end() && h->second.erase(net) && h->second.empty()) t.held.erase(h);
+        const std::vector<kalnet*> slots = bus->getBits();
+        kalbits::forEachSlot(slots, bus->getMsb(), bus->getLsb(),
+                             [&](std::size_t, kalnet* n, unsigned int bit) {
+                                 if (n == net) bus->disconnect(bit);
+                             });
+    }
+}
+
+void busGone(const kalnetbus* bus) {
+    table& t = noted();
+    auto it = t.held.find(bus);
+    if (it == t.held.end()) return;
+    for (const kalnet* net : it->second) {
+        auto h = t.holders.find(net);
+        if (h == t.holders.end()) continue;
+        h->second.erase(const_cast<kalnetbus*>(bus));
+        if (h->second.empty()) t.holders.erase(h);
+    }
+    t.held.erase(it);
+}
+
+}  // namespace kalheldbits
