@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <map>
+#include <mutex>
 #include <set>
 
 #include "connectivity/access.h"
@@ -24,12 +25,19 @@ std::map<const kalport*, std::set<kaldualport*>>& listers() {
     return *table;
 }
 
+// The tables here are shared by every model in the process; separate models may live on separate threads.
+std::recursive_mutex& tablesLock() {
+    static auto* lock = new std::recursive_mutex();
+    return *lock;
+}
+
 // ---- port <-> dual port: the only two places where the pair changes ----
 
 void enlist(std::vector<kalport*>& list, kalport* port, kaldualport* dualPort) {
     list.push_back(port);
     if (!port) return;
     kalaccess::setDualPort(port, dualPort);
+    std::lock_guard<std::recursive_mutex> hold(tablesLock());
     listers()[port].insert(dualPort);
 }
 
@@ -39,6 +47,7 @@ kalport* delist(std::vector<kalport*>& list, std::vector<kalport*>::iterator at,
     if (!port) return port;
     kalaccess::setDualPort(port, nullptr);
     if (std::find(list.begin(), list.end(), port) == list.end()) {
+        std::lock_guard<std::recursive_mutex> hold(tablesLock());
         auto it = listers().find(port);
         if (it != listers().end()) {
             it->second.erase(dualPort);
@@ -85,6 +94,7 @@ tieTable& ties() {
 }
 
 void tie(kaldualport* dualPort, kaldualportbus* bus) {
+    std::lock_guard<std::recursive_mutex> hold(tablesLock());
     ties().busesOf[dualPort].insert(bus);
     ties().membersOf[bus].insert(dualPort);
 }
@@ -92,6 +102,7 @@ void tie(kaldualport* dualPort, kaldualportbus* bus) {
 // Buses still holding the dual port, untied from it.
 std::set<kaldualportbus*> untie(kaldualport* dualPort) {
     std::set<kaldualportbus*> buses;
+    std::lock_guard<std::recursive_mutex> hold(tablesLock());
     auto it = ties().busesOf.find(dualPort);
     if (it == ties().busesOf.end()) return buses;
     buses.swap(it->second);
@@ -103,6 +114,7 @@ std::set<kaldualportbus*> untie(kaldualport* dualPort) {
 
 std::set<kaldualport*> untie(kaldualportbus* bus) {
     std::set<kaldualport*> members;
+    std::lock_guard<std::recursive_mutex> hold(tablesLock());
     auto it = ties().membersOf.find(bus);
     if (it == ties().membersOf.end()) return members;
     members.swap(it->second);
@@ -120,6 +132,7 @@ std::size_t slotOf(unsigned int msb, unsigned int lsb, unsigned int index) {
 }  // namespace
 
 void kalduallists::portGone(const kalport* port) {
+    std::lock_guard<std::recursive_mutex> hold(tablesLock());
     auto it = listers().find(port);
     if (it == listers().end()) return;
     const std::set<kaldualport*> lists = std::move(it->second);

@@ -1,6 +1,7 @@
 #include "connectivity/heldbits.h"
 
 #include <map>
+#include <mutex>
 #include <set>
 #include <vector>
 
@@ -11,7 +12,10 @@ namespace kalheldbits {
 
 namespace {
 
+// Shared by every model in the process; separate models may live on separate
+// threads. Recursive, as emptying a slot may come back here.
 struct table {
+    std::recursive_mutex lock;
     std::map<const kalnet*, std::set<kalnetbus*>> holders;
     std::map<const kalnetbus*, std::set<const kalnet*>> held;
 };
@@ -26,6 +30,7 @@ table& noted() {
 
 void joined(kalnet* net, kalnetbus* bus) {
     table& t = noted();
+    std::lock_guard<std::recursive_mutex> hold(t.lock);
     kalnetbus* link = net->getBus();
     const bool shared = t.holders.count(net) != 0;
     if (!shared && (!link || link == bus)) return;
@@ -38,6 +43,7 @@ void joined(kalnet* net, kalnetbus* bus) {
 
 void netGone(const kalnet* net) {
     table& t = noted();
+    std::lock_guard<std::recursive_mutex> hold(t.lock);
     auto it = t.holders.find(net);
     if (it == t.holders.end()) return;
     const std::set<kalnetbus*> holders = std::move(it->second);
@@ -55,6 +61,7 @@ void netGone(const kalnet* net) {
 
 void busGone(const kalnetbus* bus) {
     table& t = noted();
+    std::lock_guard<std::recursive_mutex> hold(t.lock);
     auto it = t.held.find(bus);
     if (it == t.held.end()) return;
     for (const kalnet* net : it->second) {
