@@ -35,13 +35,17 @@ struct kalnameindex {
     }
 
 private:
-    std::size_t home(const std::string& name) const;
-    void insertSlot(typename map_t::iterator at);
+    struct slot {
+        typename map_t::iterator at;
+        std::size_t hash;  // compared before the node is touched, and kept for resizing
+    };
+    static std::size_t hashOf(const std::string& name) { return std::hash<std::string>()(name); }
+    void insertSlot(typename map_t::iterator at, std::size_t hash);
     void resize(std::size_t slots);
     void rebuildIfStale();
 
     map_t& entries;
-    std::vector<typename map_t::iterator> slots;  // open addressing, linear probing; end() marks a free slot
+    std::vector<slot> slots;  // open addressing, linear probing; end() marks a free slot
     std::size_t count = 0;
 };
 
@@ -53,39 +57,34 @@ struct kalinstanceindex : kalnameindex<kalcomponent> {
 };
 
 template <class T>
-std::size_t kalnameindex<T>::home(const std::string& name) const {
-    return std::hash<std::string>()(name) & (slots.size() - 1);
-}
-
-template <class T>
 void kalnameindex<T>::rebuildIfStale() {
     if (count == entries.size() && (!slots.empty() || entries.empty())) return;
     std::size_t size = 16;
     while (size < entries.size() * 2)
         size *= 2;
-    slots.assign(size, entries.end());
+    slots.assign(size, slot{entries.end(), 0});
     count = 0;
     for (auto it = entries.begin(); it != entries.end(); ++it)
-        insertSlot(it);
+        insertSlot(it, hashOf(it->first));
 }
 
 template <class T>
-void kalnameindex<T>::insertSlot(typename map_t::iterator at) {
+void kalnameindex<T>::insertSlot(typename map_t::iterator at, std::size_t hash) {
     const std::size_t mask = slots.size() - 1;
-    std::size_t i = home(at->first);
-    while (slots[i] != entries.end())
+    std::size_t i = hash & mask;
+    while (slots[i].at != entries.end())
         i = (i + 1) & mask;
-    slots[i] = at;
+    slots[i] = slot{at, hash};
     ++count;
 }
 
 template <class T>
 void kalnameindex<T>::resize(std::size_t size) {
-    std::vector<typename map_t::iterator> old(size, entries.end());
+    std::vector<slot> old(size, slot{entries.end(), 0});
     old.swap(slots);
     count = 0;
-    for (auto it : old)
-        if (it != entries.end()) insertSlot(it);
+    for (const slot& s : old)
+        if (s.at != entries.end()) insertSlot(s.at, s.hash);
 }
 
 template <class T>
@@ -93,8 +92,9 @@ typename kalnameindex<T>::map_t::iterator kalnameindex<T>::find(const std::strin
     rebuildIfStale();
     if (slots.empty()) return entries.end();
     const std::size_t mask = slots.size() - 1;
-    for (std::size_t i = home(name); slots[i] != entries.end(); i = (i + 1) & mask)
-        if (slots[i]->first == name) return slots[i];
+    const std::size_t hash = hashOf(name);
+    for (std::size_t i = hash & mask; slots[i].at != entries.end(); i = (i + 1) & mask)
+        if (slots[i].hash == hash && slots[i].at->first == name) return slots[i].at;
     return entries.end();
 }
 
@@ -111,7 +111,7 @@ bool kalnameindex<T>::emplace(const std::string& name, T* value) {
     auto inserted = entries.emplace(name, value);
     if (!inserted.second) return false;
     if ((count + 1) * 2 > slots.size()) resize(slots.empty() ? 16 : slots.size() * 2);
-    insertSlot(inserted.first);
+    insertSlot(inserted.first, hashOf(name));
     return true;
 }
 
@@ -119,9 +119,9 @@ template <class T>
 void kalnameindex<T>::erase(typename map_t::iterator at) {
     rebuildIfStale();
     const std::size_t mask = slots.size() - 1;
-    std::size_t i = home(at->first);
-    while (slots[i] != at) {
-        if (slots[i] == entries.end()) {  // not indexed: the map was changed from outside
+    std::size_t i = hashOf(at->first) & mask;
+    while (slots[i].at != at) {
+        if (slots[i].at == entries.end()) {  // not indexed: the map was changed from outside
             entries.erase(at);
             count = entries.size() + 1;  // forces a rebuild before the next use
             return;
@@ -130,15 +130,15 @@ void kalnameindex<T>::erase(typename map_t::iterator at) {
     }
     // Backward-shift deletion: entries after the gap move up unless they are at home already.
     std::size_t gap = i;
-    for (std::size_t j = (i + 1) & mask; slots[j] != entries.end(); j = (j + 1) & mask) {
-        const std::size_t want = home(slots[j]->first);
+    for (std::size_t j = (i + 1) & mask; slots[j].at != entries.end(); j = (j + 1) & mask) {
+        const std::size_t want = slots[j].hash & mask;
         const bool movable = gap <= j ? (want <= gap || want > j) : (want <= gap && want > j);
         if (movable) {
             slots[gap] = slots[j];
             gap = j;
         }
     }
-    slots[gap] = entries.end();
+    slots[gap].at = entries.end();
     --count;
     entries.erase(at);
 }
