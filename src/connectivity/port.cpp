@@ -2,6 +2,7 @@
 #include "connectivity/bits.h"
 #include "connectivity/duallists.h"
 #include "connectivity/propagate.h"
+#include "connectivity/unlisted.h"
 #include "core/text.h"
 #include "events/paths.h"
 #include "kalcomponent.h"
@@ -166,6 +167,7 @@ kalport::~kalport() {
     // An export partner must not keep pointing at a port that is gone.
     if (exportedTo && exportedTo->exportedFrom == this) exportedTo->exportedFrom = nullptr;
     if (exportedFrom && exportedFrom->exportedTo == this) exportedFrom->exportedTo = nullptr;
+    kalunlisted::portGone(this);
     delete name;
     delete secondName;
     delete text;
