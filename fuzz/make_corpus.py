@@ -247,6 +247,13 @@ def seeds():
                                      .op("catalogue", 0, 1, nm("clk"), 0).op("catalogue", 0, 2, nm("en"), 1)
                                      .disconnect("n", 1, 1, "clk").queries())
 
+    # Instances handed back keep their names: u2 comes back as "" and later as "a", while the
+    # instance "a" is refused and destroyed. Its port and u2's are twins on net n; the net drops
+    # u2's port from its list, which keeps its link until n goes.
+    s["twin_ports"] = (seed().inst("u2", AND2).net("n").connect("n", 1, 0, "a").readd(0, "")
+                       .inst("a", AND2).connect("n", 1, 1, "a").readd(0, "a").queries()
+                       .net_op("removeNet", "n").rm_inst("a").queries())
+
     # A port that a second bus takes over as a bit, then goes.
     s["shared_port_bit"] = (seed().portbus(0, "a", 1, 0, 1).port_op("renamePort", 0, "a[0]", "d[0]")
                             .portbus(0, "d", 0, 0, 1).port_op("removePort", 0, "d[0]").queries()

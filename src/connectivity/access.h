@@ -19,6 +19,8 @@ struct kalaccess {
     static void setName(kalport* p, const std::string* n);
     static void setSecondName(kalport* p, const std::string* n) { p->setSecondName(n); }
     static void setDualPort(kalport* p, kaldualport* d) { p->setDualPort(d); }
+    // The port's net is being destroyed while the port is not on its list (see unlisted.h).
+    static void dropNet(kalport* p) { p->net = nullptr; }
     // Takes every entry of a dying port out of a dual port's list.
     static void forgetPort(kaldualport* d, const kalport* p);
 

@@ -3,6 +3,7 @@
 #include "connectivity/heldbits.h"
 #include "connectivity/portlist.h"
 #include "connectivity/propagate.h"
+#include "connectivity/unlisted.h"
 #include "core/names.h"
 #include "core/text.h"
 #include "connectivity/roles.h"
@@ -89,7 +90,9 @@ void kalnet::disconnect(kalport* port, bool flag) {
     if (!port || !ports) return;
     std::ptrdiff_t at = ports->firstEqual(port);
     if (at < 0) return;
+    kalport* listed = ports->at(static_cast<std::size_t>(at));
     ports->eraseAt(static_cast<std::size_t>(at));
+    if (listed != port) kalunlisted::note(listed, this);  // an equal twin went; it keeps its link
     port->disconnect(this);
     kalevents::emit("connect", "rem", [&](kalevents::record& r) {
         r.set("net", kalpaths::designPath(design, kaltext::orEmpty(name)));
@@ -147,6 +150,7 @@ bool kalnet::operator!=(const kalnet& other) const {
 
 kalnet::~kalnet() {
     kalheldbits::netGone(this);  // buses other than its own may still hold it
+    kalunlisted::netGone(this);  // ports it took off its list may still point to it
     if (ports) {
         while (!ports->empty())
             ports->popBack()->disconnect(this);

@@ -2,6 +2,7 @@
 #include "connectivity/bits.h"
 #include "connectivity/duallists.h"
 #include "connectivity/propagate.h"
+#include "connectivity/unlisted.h"
 #include "core/names.h"
 #include "core/text.h"
 #include "events/paths.h"
@@ -187,6 +188,7 @@ kalport::~kalport() {
     }
     kalduallists::portGone(this);  // dual ports other than its own may list it too
     // An export partner must not keep pointing at a port that is gone.
+    kalunlisted::portGone(this);
     kalnames::release(name);
     if (!extra) return;
     if (kalport* to = extra->exportedTo; to && to->getExportedFrom() == this)

@@ -47,6 +47,7 @@ struct kalportlist {
     bool containsEqual(const kalport* port) const;
     std::ptrdiff_t firstEqual(const kalport* port) const;
     bool listsPointer(const kalport* port) const;
+    kalport* at(std::size_t position) const { return slots()[position]; }
 
     void append(kalport* port);
     void eraseAt(std::size_t position);
