@@ -486,7 +486,7 @@ private:
     void check(const char* when) {
         std::vector<std::string> problems = checkModel(top);
         if (twins) {
-            // A port whose twin took it off its net keeps pointing to the net, as specified.
+            // A port whose twin took it off its net keeps pointing to that net: nets work by equality.
             std::vector<std::string> rest;
             for (std::string& p : problems)
                 if (p.find(": its net ") == std::string::npos ||
