@@ -12,16 +12,17 @@ class kaldesign;
 class kalport;
 class kalnetbus;
 struct kalaccess;
-struct kalportlist;
 
 class KALDATA_API kalnet : public kalattributes {
 private:
+    // Large designs hold millions of nets, so the common net (named, second
+    // name equal to the name, no text) is a single allocation.
     kaldesign* design;
-    std::string* name;
-    std::string* secondName;
-    std::string* text;
+    std::string name;  // getName() is null for a net made without names
+    struct extras;     // a second name unlike the name, a text, or no names at all
+    extras* extra;
     kalnetbus* bus;
-    kalportlist* ports;  // connected ports in order of connection, with a lookup index for large nets
+    kalport* ports;  // connected ports in order of connection: the port list's storage word
 
 public:
     kalnet(const std::string* name, const std::string* secondName, const std::string* text);
@@ -49,6 +50,8 @@ private:
     void setDesign(kaldesign* design);
     void setName(const std::string* name);
     void setSecondName(const std::string* secondName);
+    extras& more();
+    void tidy();  // drops the side record once the net is common again
 };
 
 class KALDATA_API kalnetbus : public kalattributes {

@@ -90,6 +90,54 @@ TEST_F(netmodel, net_bus_short_slots_and_bit_deletion) {
     EXPECT_EQ(keep.getBus(), nullptr);
 }
 
+// A net keeps its names, text and ports compactly; every state must read back
+// exactly, through renames that split the shared second name and join it again.
+TEST_F(netmodel, names_texts_and_small_lists_in_every_state) {
+    const std::string* none = nullptr;
+    kalnet plain(S("p"), S("p"), nullptr), odd(S("o"), S("o2"), S("t"));
+    EXPECT_EQ((lines{*plain.getName(), *plain.getSecondName(), *odd.getName(), *odd.getSecondName(),
+                     *odd.getText()}),
+              (lines{"p", "p", "o", "o2", "t"}));
+    EXPECT_EQ(plain.getText(), none);
+    kalnet nameless(nullptr, S("x"), S("t"));
+    EXPECT_EQ(
+        (std::vector<const std::string*>{nameless.getName(), nameless.getSecondName(), nameless.getText()}),
+        (std::vector<const std::string*>{none, none, none}));
+    nameless.connect(pin("u1", "a", 1), false);  // a net without names has no list
+    EXPECT_TRUE(nameless.getPorts().empty());
+    EXPECT_EQ(pin("u1", "a", 1)->getNet(), nullptr);
+
+    // A range change renames bit nets by name only (onto names other nets hold);
+    // a net rename sets both names, here to the net's own second name.
+    top->addNetbus(S("e"), S(""), S("e"), 1, 0, nullptr);
+    top->addNet(S("e[3]"), S("e[3]"), S(""), nullptr);
+    top->addNet(S("e[2]"), S("e[2]"), S(""), nullptr);
+    kalnet *hi = d->getNet(S("e[1]")), *lo = d->getNet(S("e[0]"));
+    ASSERT_TRUE(d->changeNetBusRange(S("e"), 3, 2));
+    EXPECT_EQ((lines{*hi->getName(), *hi->getSecondName()}), (lines{"e[3]", "e[1]"}));
+    delete hi;  // unreachable by name; takes the bus along
+    delete lo;
+    top->addNet(S("s"), S("s2"), S(""), S("t"));
+    kalnet* s = d->getNet(S("s"));
+    ASSERT_TRUE(d->changeNetName(S("s"), s->getSecondName()));
+    EXPECT_EQ((lines{*s->getName(), *s->getSecondName(), *s->getText()}), (lines{"s2", "s2", "t"}));
+
+    // One port, two, back to none, then the same port again.
+    kalnet* n = wire("n", {});
+    kalport *a = pin("u1", "a", 1), *b = pin("u2", "b", 2);
+    n->connect(a, false);
+    n->connect(b, false);
+    n->connect(a, false);  // already there
+    EXPECT_EQ(n->getPorts(), (portlist{a, b}));
+    n->disconnect(a, false);
+    EXPECT_EQ(n->getPorts(), (portlist{b}));
+    n->disconnect(b, false);
+    EXPECT_TRUE(n->getPorts().empty());
+    n->connect(b, false);
+    EXPECT_EQ(n->getPorts(), (portlist{b}));
+    EXPECT_EQ(b->getNet(), n);
+}
+
 TEST_F(netmodel, large_net_lookup_answers_like_a_scan) {
     kalnet* n = wire("clk", {{"", "clk", 1}});
     probes = {pin("", "clk", 1)};

@@ -9,14 +9,13 @@
 template <class Change>
 void kalaccess::rekeyAround(kalport* p, Change change) {
     kalnet* net = p->getNet();
-    kalportlist* list = net ? net->ports : nullptr;
-    if (!list) {
+    if (!net || !portList(net).present()) {
         change();
         return;
     }
     const std::size_t oldKey = kalportlist::key(p);
     change();
-    list->rekey(p, oldKey);
+    portList(net).rekey(p, oldKey);
 }
 
 void kalaccess::setComponent(kalport* p, kalcomponent* c) {
@@ -38,16 +37,18 @@ void kalaccess::setInstanceName(kalcomponent* c, const std::string& name) {
     };
     std::vector<keyed> connected;
     for (auto& entry : d->ports)
-        if (entry.second && entry.second->getNet() && entry.second->getNet()->ports)
+        if (entry.second && entry.second->getNet() && portList(entry.second->getNet()).present())
             connected.push_back({entry.second, kalportlist::key(entry.second)});
     delete d->instanceName;
     d->instanceName = fresh;
     for (auto& k : connected)
-        k.port->getNet()->ports->rekey(k.port, k.oldKey);
+        portList(k.port->getNet()).rekey(k.port, k.oldKey);
 }
 
 void kalaccess::portLeft(kalnet* net, const kalport* p) {
-    if (net && net->ports && net->ports->listsPointer(p)) net->ports->markStray();
+    if (!net) return;
+    kalportlist list = portList(net);
+    if (list.present() && list.listsPointer(p)) list.markStray();
 }
 
 void kalaccess::forgetPort(kaldualport* d, const kalport* p) {

@@ -10,8 +10,9 @@
 #include "kalnet.h"
 #include "kalport.h"
 
+#include "connectivity/portlist.h"
+
 class kalcomponent;
-struct kalportlist;
 
 struct kalaccess {
     // Ports. Name and component are part of a net's lookup key.
@@ -39,7 +40,7 @@ struct kalaccess {
     static void setDesign(kalnet* n, kaldesign* d) { n->setDesign(d); }
     static void setName(kalnet* n, const std::string* s) { n->setName(s); }
     static void setSecondName(kalnet* n, const std::string* s) { n->setSecondName(s); }
-    static kalportlist* portList(kalnet* n) { return n->ports; }
+    static kalportlist portList(kalnet* n) { return kalportlist(n->ports); }
 
     static void setDesign(kalnetbus* b, kaldesign* d) { b->setDesign(d); }
     static void setName(kalnetbus* b, const std::string* s) { b->setName(s); }

@@ -52,13 +52,11 @@ bool receives(const kalport* port, const kaldesign* design) {
 }
 
 kalport* firstTopPort(kalnet* net) {
-    kalportlist* list = kalaccess::portList(net);
     kalport* found = nullptr;
-    if (list)
-        list->anyOf([&](kalport* p) {
-            if (isTopPort(p, net->getDesign())) found = p;
-            return found != nullptr;
-        });
+    kalaccess::portList(net).anyOf([&](kalport* p) {
+        if (isTopPort(p, net->getDesign())) found = p;
+        return found != nullptr;
+    });
     return found;
 }
 
@@ -66,36 +64,60 @@ kalport* firstTopPort(kalnet* net) {
 
 // ---- kalnet ----
 
+// What only unusual nets carry. A net without one is named, its second name
+// reads its name, and it has no text.
+struct kalnet::extras {
+    bool nameless = false;
+    bool secondless = false;
+    std::string* second = nullptr;  // the second name where it differs from the name
+    std::string* text = nullptr;
+    ~extras() {
+        delete second;
+        delete text;
+    }
+    bool plain() const { return !nameless && !secondless && !second && !text; }
+};
+
 kalnet::kalnet(const std::string* name_, const std::string* secondName_, const std::string* text_)
-    : design(nullptr), name(nullptr), secondName(nullptr), text(nullptr), bus(nullptr), ports(nullptr) {
-    if (!name_ || !secondName_) return;
-    kalnames::assignPaired(name, secondName, name_);
-    kalnames::assignPaired(secondName, name, secondName_);
-    text = kaltext::copyOf(text_);
-    ports = new kalportlist();
+    : design(nullptr), extra(nullptr), bus(nullptr), ports(nullptr) {
+    if (!name_ || !secondName_) {
+        extra = new extras();
+        extra->nameless = extra->secondless = true;
+        ports = kalportlist::absent();
+        return;
+    }
+    name = *name_;
+    if (*secondName_ != name || text_) {
+        extra = new extras();
+        if (*secondName_ != name) extra->second = new std::string(*secondName_);
+        extra->text = kaltext::copyOf(text_);
+    }
 }
 
 bool kalnet::isConnectedTo(kalport* port) {
-    return port && ports && ports->containsEqual(port);
+    kalportlist list(ports);
+    return port && list.present() && list.containsEqual(port);
 }
 
 void kalnet::connect(kalport* port, bool flag) {
-    if (!port || !ports || isConnectedTo(port)) return;
-    ports->append(port);
+    kalportlist list(ports);
+    if (!port || !list.present() || isConnectedTo(port)) return;
+    list.append(port);
     port->connect(this);
     if (flag) markClockSource(port, 1);
 }
 
 void kalnet::disconnect(kalport* port, bool flag) {
-    if (!port || !ports) return;
-    std::ptrdiff_t at = ports->firstEqual(port);
+    kalportlist list(ports);
+    if (!port || !list.present()) return;
+    std::ptrdiff_t at = list.firstEqual(port);
     if (at < 0) return;
-    kalport* listed = ports->at(static_cast<std::size_t>(at));
-    ports->eraseAt(static_cast<std::size_t>(at));
+    kalport* listed = list.at(static_cast<std::size_t>(at));
+    list.eraseAt(static_cast<std::size_t>(at));
     if (listed != port) kalunlisted::note(listed, this);  // an equal twin went; it keeps its link
     port->disconnect(this);
     kalevents::emit("connect", "rem", [&](kalevents::record& r) {
-        r.set("net", kalpaths::designPath(design, kaltext::orEmpty(name)));
+        r.set("net", kalpaths::designPath(design, kaltext::orEmpty(getName())));
         r.set("port", kalpaths::portPathInDesign(port));
     });
     if (flag) markClockSource(port, 2);
@@ -110,8 +132,7 @@ void kalnet::unsetBus() {
 
 std::vector<kalport*> kalnet::getTop() {
     std::vector<kalport*> out;
-    if (!ports) return out;
-    ports->anyOf([&](kalport* p) {
+    kalportlist(ports).anyOf([&](kalport* p) {
         if (kalroles::isTopPort(p, design)) out.push_back(p);
         return false;
     });
@@ -119,10 +140,9 @@ std::vector<kalport*> kalnet::getTop() {
 }
 
 namespace {
-std::vector<kalport*> classify(const kalportlist* ports, const kaldesign* design, bool sources) {
+std::vector<kalport*> classify(const kalportlist& ports, const kaldesign* design, bool sources) {
     std::vector<kalport*> out;
-    if (!ports) return out;
-    ports->anyOf([&](kalport* p) {
+    ports.anyOf([&](kalport* p) {
         if (sources ? kalroles::drives(p, design) : kalroles::receives(p, design)) out.push_back(p);
         return false;
     });
@@ -131,15 +151,16 @@ std::vector<kalport*> classify(const kalportlist* ports, const kaldesign* design
 }  // namespace
 
 std::vector<kalport*> kalnet::getSources() {
-    return classify(ports, design, true);
+    return classify(kalportlist(ports), design, true);
 }
 std::vector<kalport*> kalnet::getSinks() {
-    return classify(ports, design, false);
+    return classify(kalportlist(ports), design, false);
 }
 
 bool kalnet::operator==(const kalnet& other) const {
     if (this == &other) return true;
-    if (!kaltext::same(name, other.name) || !kaltext::same(secondName, other.secondName)) return false;
+    if (!kaltext::same(getName(), other.getName()) || !kaltext::same(getSecondName(), other.getSecondName()))
+        return false;
     if (design == other.design || !design || !other.design) return true;
     return *design == *other.design;
 }
@@ -151,11 +172,11 @@ bool kalnet::operator!=(const kalnet& other) const {
 kalnet::~kalnet() {
     kalheldbits::netGone(this);  // buses other than its own may still hold it
     kalunlisted::netGone(this);  // ports it took off its list may still point to it
-    if (ports) {
-        while (!ports->empty())
-            ports->popBack()->disconnect(this);
-        delete ports;
-        ports = nullptr;
+    kalportlist list(ports);
+    if (list.present()) {
+        while (!list.empty())
+            list.popBack()->disconnect(this);
+        list.release();
     }
     if (bus) {
         kalnetbus* b = bus;
@@ -168,37 +189,77 @@ kalnet::~kalnet() {
         if (bus) delete bus;
         bus = nullptr;
     }
-    kalnames::releasePair(name, secondName);
-    delete text;
+    delete extra;
 }
 
 kaldesign* kalnet::getDesign() const {
     return design;
 }
 const std::string* kalnet::getName() const {
-    return name;
+    return extra && extra->nameless ? nullptr : &name;
 }
 const std::string* kalnet::getSecondName() const {
-    return secondName;
+    if (!extra) return &name;
+    if (extra->second) return extra->second;
+    return extra->secondless ? nullptr : &name;
 }
 const std::string* kalnet::getText() const {
-    return text;
+    return extra ? extra->text : nullptr;
 }
 kalnetbus* kalnet::getBus() const {
     return bus;
 }
 std::vector<kalport*> kalnet::getPorts() const {
-    return ports ? ports->snapshot() : std::vector<kalport*>();
+    return kalportlist(const_cast<kalport*&>(ports)).snapshot();
 }
 
 void kalnet::setDesign(kaldesign* d) {
     design = d;
 }
-void kalnet::setName(const std::string* n) {
-    kalnames::assignPaired(name, secondName, n);
+kalnet::extras& kalnet::more() {
+    if (!extra) extra = new extras();
+    return *extra;
 }
+
+void kalnet::tidy() {
+    if (extra && extra->plain()) {
+        delete extra;
+        extra = nullptr;
+    }
+}
+
+void kalnet::setName(const std::string* n) {
+    if (!n) return;
+    std::string value = *n;  // n may be either of this net's names
+    const std::string* second = getSecondName();
+    if (second == &name && value != name) more().second = new std::string(name);  // keeps its value
+    name.swap(value);
+    if (extra) {
+        extra->nameless = false;
+        if (extra->second && *extra->second == name) {  // equal names share again
+            delete extra->second;
+            extra->second = nullptr;
+        }
+    }
+    tidy();
+}
+
 void kalnet::setSecondName(const std::string* n) {
-    kalnames::assignPaired(secondName, name, n);
+    if (!n) return;
+    if (getName() && *n == name) {
+        if (extra) {
+            delete extra->second;
+            extra->second = nullptr;
+            extra->secondless = false;
+        }
+    } else {
+        std::string* fresh = new std::string(*n);  // n may be the second name itself
+        extras& e = more();
+        delete e.second;
+        e.second = fresh;
+        e.secondless = false;
+    }
+    tidy();
 }
 
 // ---- kalnetbus ----

@@ -3,10 +3,19 @@
 #include <algorithm>
 #include <cstring>
 #include <functional>
+#include <new>
 #include <unordered_map>
 
 #include "kalcomponent.h"
 #include "kalport.h"
+
+// Header of the storage of a list with several ports; the slots follow it.
+struct kalportlist::block {
+    std::uint32_t used;  // occupied slots, holes included
+    std::uint32_t cap;
+    large* big;  // index, holes and the stray mark; only for the few nets that need them
+    kalport** slots() { return reinterpret_cast<kalport**>(this + 1); }
+};
 
 struct kalportlist::large {
     std::unordered_multimap<std::size_t, std::uint32_t> index;  // key -> slot
@@ -15,9 +24,49 @@ struct kalportlist::large {
     std::uint32_t holes = 0;
 };
 
-kalportlist::~kalportlist() {
-    if (cap > 1) delete[] many;
-    delete big;
+kalport* kalportlist::absent() {
+    // Never a port's address: ports are aligned, and a block pointer has its low bit set.
+    return reinterpret_cast<kalport*>(std::uintptr_t{2});
+}
+
+kalportlist::block* kalportlist::blk() const {
+    return reinterpret_cast<block*>(reinterpret_cast<std::uintptr_t>(word) & ~std::uintptr_t{1});
+}
+
+std::uint32_t kalportlist::used() const {
+    if (isBlock()) return blk()->used;
+    return word && present() ? 1 : 0;
+}
+
+kalport** kalportlist::slots() {
+    return isBlock() ? blk()->slots() : &word;
+}
+
+kalport* const* kalportlist::slots() const {
+    return isBlock() ? blk()->slots() : &word;
+}
+
+kalportlist::large* kalportlist::big() const {
+    return isBlock() ? blk()->big : nullptr;
+}
+
+void kalportlist::release() {
+    if (isBlock()) {
+        delete blk()->big;
+        ::operator delete(blk());
+    }
+    word = nullptr;
+}
+
+kalportlist::block* kalportlist::toBlock(std::uint32_t capacity) {
+    static_assert(sizeof(block) % alignof(kalport*) == 0, "slots follow the header");
+    const std::uint32_t n = used();
+    void* memory = ::operator new(sizeof(block) + capacity * sizeof(kalport*));
+    block* fresh = new (memory) block{n, capacity, big()};
+    std::copy(slots(), slots() + n, fresh->slots());
+    if (isBlock()) ::operator delete(blk());
+    word = reinterpret_cast<kalport*>(reinterpret_cast<std::uintptr_t>(fresh) | 1u);
+    return fresh;
 }
 
 std::size_t kalportlist::key(const kalport* port) {
@@ -36,23 +85,26 @@ std::size_t kalportlist::key(const kalport* port) {
 }
 
 bool kalportlist::indexed() const {
-    return big && big->indexed;
+    large* b = big();
+    return b && b->indexed;
 }
 
 std::uint32_t kalportlist::holes() const {
-    return big ? big->holes : 0;
+    large* b = big();
+    return b ? b->holes : 0;
 }
 
 std::size_t kalportlist::size() const {
-    return used - holes();
+    return used() - holes();
 }
 
 std::vector<kalport*> kalportlist::snapshot() const {
     std::vector<kalport*> out;
     out.reserve(size());
-    kalport* const* s = slots();
-    for (std::uint32_t i = 0; i < used; ++i)
-        if (s[i]) out.push_back(s[i]);
+    anyOf([&](kalport* p) {
+        out.push_back(p);
+        return false;
+    });
     return out;
 }
 
@@ -63,13 +115,14 @@ bool kalportlist::containsEqual(const kalport* port) const {
 std::ptrdiff_t kalportlist::firstEqual(const kalport* port) const {
     kalport* const* s = slots();
     if (!indexed()) {
-        for (std::uint32_t i = 0; i < used; ++i)
+        const std::uint32_t n = used();
+        for (std::uint32_t i = 0; i < n; ++i)
             if (*s[i] == *port) return i;
         return -1;
     }
     // Several equal entries can share a key; the earliest slot is the one a scan finds.
     std::ptrdiff_t first = -1;
-    auto range = big->index.equal_range(key(port));
+    auto range = big()->index.equal_range(key(port));
     for (auto it = range.first; it != range.second; ++it)
         if ((first < 0 || it->second < first) && *s[it->second] == *port) first = it->second;
     return first;
@@ -77,108 +130,119 @@ std::ptrdiff_t kalportlist::firstEqual(const kalport* port) const {
 
 bool kalportlist::listsPointer(const kalport* port) const {
     kalport* const* s = slots();
-    if (!indexed()) return std::find(s, s + used, port) != s + used;
-    auto range = big->index.equal_range(key(port));
+    if (!indexed()) return std::find(s, s + used(), port) != s + used();
+    auto range = big()->index.equal_range(key(port));
     for (auto it = range.first; it != range.second; ++it)
         if (s[it->second] == port) return true;
     return false;
 }
 
-void kalportlist::grow() {
-    const std::uint32_t bigger = cap * 2;
-    auto* fresh = new kalport*[bigger];
-    std::copy(slots(), slots() + used, fresh);
-    if (cap > 1) delete[] many;
-    many = fresh;
-    cap = bigger;
-}
-
 void kalportlist::append(kalport* port) {
-    if (used == cap) grow();
-    slots()[used++] = port;
+    if (!word) {
+        word = port;
+        return;
+    }
+    block* b = isBlock() ? blk() : toBlock(2);
+    if (b->used == b->cap) b = toBlock(b->cap * 2);
+    b->slots()[b->used++] = port;
     if (indexed())
-        big->index.emplace(key(port), used - 1);
-    else if (used >= indexThreshold && !(big && big->strays))
+        b->big->index.emplace(key(port), b->used - 1);
+    else if (b->used >= indexThreshold && !(b->big && b->big->strays))
         build();
 }
 
 void kalportlist::build() {
-    if (!big) big = new large();
-    big->index.reserve(used * 2);
-    kalport** s = slots();
-    for (std::uint32_t i = 0; i < used; ++i)
-        big->index.emplace(key(s[i]), i);
-    big->indexed = true;
+    block* b = blk();
+    if (!b->big) b->big = new large();
+    b->big->index.reserve(b->used * 2);
+    kalport** s = b->slots();
+    for (std::uint32_t i = 0; i < b->used; ++i)
+        b->big->index.emplace(key(s[i]), i);
+    b->big->indexed = true;
 }
 
 void kalportlist::unindex(const kalport* port, std::size_t k) {
-    auto range = big->index.equal_range(k);
+    auto range = big()->index.equal_range(k);
     for (auto it = range.first; it != range.second; ++it) {
         if (slots()[it->second] == port) {
-            big->index.erase(it);
+            big()->index.erase(it);
             return;
         }
     }
 }
 
 void kalportlist::eraseAt(std::size_t position) {
-    kalport** s = slots();
+    if (!isBlock()) {
+        word = nullptr;
+        return;
+    }
+    block* b = blk();
+    kalport** s = b->slots();
     if (!indexed()) {
-        std::memmove(s + position, s + position + 1, (used - position - 1) * sizeof(kalport*));
-        --used;
+        std::memmove(s + position, s + position + 1, (b->used - position - 1) * sizeof(kalport*));
+        --b->used;
         return;
     }
     unindex(s[position], key(s[position]));
     s[position] = nullptr;
-    ++big->holes;
+    ++b->big->holes;
     trimHoles();
-    if (big->holes > 16 && big->holes * 2 > used) compact();
+    if (b->big->holes > 16 && b->big->holes * 2 > b->used) compact();
 }
 
 kalport* kalportlist::popBack() {
-    kalport* port = slots()[used - 1];
+    if (!isBlock()) {
+        kalport* port = word;
+        word = nullptr;
+        return port;
+    }
+    block* b = blk();
+    kalport* port = b->slots()[b->used - 1];
     if (indexed()) unindex(port, key(port));
-    --used;
-    if (big) trimHoles();
+    --b->used;
+    if (b->big) trimHoles();
     return port;
 }
 
 void kalportlist::trimHoles() {
-    kalport** s = slots();
-    while (used > 0 && !s[used - 1]) {
-        --used;
-        --big->holes;
+    block* b = blk();
+    kalport** s = b->slots();
+    while (b->used > 0 && !s[b->used - 1]) {
+        --b->used;
+        --b->big->holes;
     }
 }
 
 void kalportlist::compact() {
-    kalport** s = slots();
-    used = static_cast<std::uint32_t>(std::remove(s, s + used, nullptr) - s);
-    big->holes = 0;
-    if (!big->indexed) return;
-    big->index.clear();
-    for (std::uint32_t i = 0; i < used; ++i)
-        big->index.emplace(key(s[i]), i);
+    block* b = blk();
+    kalport** s = b->slots();
+    b->used = static_cast<std::uint32_t>(std::remove(s, s + b->used, nullptr) - s);
+    b->big->holes = 0;
+    if (!b->big->indexed) return;
+    b->big->index.clear();
+    for (std::uint32_t i = 0; i < b->used; ++i)
+        b->big->index.emplace(key(s[i]), i);
 }
 
 void kalportlist::rekey(kalport* port, std::size_t oldKey) {
     if (!indexed()) return;
-    auto range = big->index.equal_range(oldKey);
+    auto range = big()->index.equal_range(oldKey);
     for (auto it = range.first; it != range.second; ++it) {
         if (slots()[it->second] == port) {
             const std::uint32_t slot = it->second;
-            big->index.erase(it);
-            big->index.emplace(key(port), slot);
+            big()->index.erase(it);
+            big()->index.emplace(key(port), slot);
             return;
         }
     }
 }
 
 void kalportlist::markStray() {
-    if (!big) big = new large();
-    big->strays = true;
-    big->indexed = false;
-    big->index.clear();
+    block* b = isBlock() ? blk() : toBlock(2);
+    if (!b->big) b->big = new large();
+    b->big->strays = true;
+    b->big->indexed = false;
+    b->big->index.clear();
     // From now on this list scans; a scan must not meet holes.
-    if (big->holes) compact();
+    if (b->big->holes) compact();
 }

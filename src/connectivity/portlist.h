@@ -9,10 +9,14 @@
 // (possible only through unusual direct calls) could hold a stale key, so such
 // a net drops its index and scans, which is always exact.
 //
-// Most nets hold one or two ports, so the list keeps a single port inline and
-// allocates nothing else until it grows. In an indexed list an erased entry
-// leaves a hole (so erasing from the middle of a clock net does not move the
-// rest); holes are squeezed out once they make up half of the list.
+// The list lives in one pointer-sized word of the net, because a large design
+// has millions of nets and most hold one or two ports: the word is null (no
+// ports), the single port itself, or a tagged pointer to a block of slots that
+// also carries, for the few nets that need them, the index, the holes and the
+// stray mark. A net made without names has no list at all (`absent`). In an
+// indexed list an erased entry leaves a hole (so erasing from the middle of a
+// clock net does not move the rest); holes are squeezed out once they make up
+// half of the list.
 #ifndef KALDATA_SRC_CONNECTIVITY_PORTLIST_H
 #define KALDATA_SRC_CONNECTIVITY_PORTLIST_H
 
@@ -22,11 +26,15 @@
 
 class kalport;
 
-struct kalportlist {
-    kalportlist() = default;
-    kalportlist(const kalportlist&) = delete;
-    kalportlist& operator=(const kalportlist&) = delete;
-    ~kalportlist();
+class kalportlist {
+public:
+    // A view of the list stored in `word`.
+    explicit kalportlist(kalport*& word) : word(word) {}
+
+    static kalport* absent();
+    bool present() const { return word != absent(); }
+    // Frees the storage; the word is left empty.
+    void release();
 
     static std::size_t key(const kalport* port);
 
@@ -37,7 +45,8 @@ struct kalportlist {
     template <class Stop>
     bool anyOf(Stop stop) const {
         kalport* const* s = slots();
-        for (std::uint32_t i = 0; i < used; ++i)
+        const std::uint32_t n = used();
+        for (std::uint32_t i = 0; i < n; ++i)
             if (s[i] && stop(s[i])) return true;
         return false;
     }
@@ -59,26 +68,25 @@ struct kalportlist {
     void markStray();
 
 private:
+    struct block;
     struct large;
     static constexpr std::uint32_t indexThreshold = 24;
 
-    kalport** slots() { return cap == 1 ? &one : many; }
-    kalport* const* slots() const { return cap == 1 ? &one : many; }
+    bool isBlock() const { return (reinterpret_cast<std::uintptr_t>(word) & 1u) != 0; }
+    block* blk() const;
+    std::uint32_t used() const;
+    kalport** slots();
+    kalport* const* slots() const;
+    large* big() const;
     bool indexed() const;
     std::uint32_t holes() const;
-    void grow();
+    block* toBlock(std::uint32_t capacity);
     void build();
     void compact();
     void trimHoles();
     void unindex(const kalport* port, std::size_t k);
 
-    union {
-        kalport* one = nullptr;
-        kalport** many;
-    };
-    std::uint32_t used = 0;  // occupied slots, holes included
-    std::uint32_t cap = 1;
-    large* big = nullptr;  // index, holes and the stray mark; only for the few nets that need them
+    kalport*& word;
 };
 
 #endif

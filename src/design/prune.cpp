@@ -11,10 +11,10 @@ namespace kalprune {
 // answer as building the full source and sink lists, without the cost on
 // large nets.
 bool shouldPrune(kalnet* net) {
-    const kalportlist* list = kalaccess::portList(net);
-    if (!list || list->size() <= 1) return true;
+    const kalportlist list = kalaccess::portList(net);
+    if (list.size() <= 1) return true;
     bool source = false, sink = false;
-    return !list->anyOf([&](const kalport* p) {
+    return !list.anyOf([&](const kalport* p) {
         source = source || kalroles::drives(p, net->getDesign());
         sink = sink || kalroles::receives(p, net->getDesign());
         return source && sink;
