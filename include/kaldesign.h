@@ -77,6 +77,11 @@ public:
     void deleteDualPort(const std::string& name);
     void removeDualPortBus(const std::string& name);
     void deleteDualPortBus(const std::string& name);
+
+private:
+    // addNet's work; answers the net the name maps to, new or not.
+    kalnet* placeNet(const std::string& name, const std::string& secondName, const std::string* type,
+                     const std::string* text, bool& added);
 };
 
 class KALDATA_API kaldesigndata : public kalattributes {

@@ -1,13 +1,19 @@
 #include "kalutilities.h"
 
-#include <cstdio>
+#include <charconv>
 
 std::string* kalutilities::constructBusBit(const std::string* name, unsigned int index) {
-    auto* out = new std::string(name ? *name : std::string());
-    char digits[11];  // any unsigned 32-bit value and its terminator
-    std::snprintf(digits, sizeof digits, "%u", index);
-    out->reserve(out->size() + 12);
-    out->append("[").append(digits).append("]");
+    // "[" + any unsigned 32-bit value + "]", made in place: bit names are built
+    // for every bit of every net bus, and short ones stay in the string's own buffer.
+    char suffix[12] = {'['};
+    char* end = std::to_chars(suffix + 1, suffix + sizeof suffix - 1, index).ptr;
+    *end++ = ']';
+    auto* out = new std::string();
+    if (name) {
+        out->reserve(name->size() + static_cast<std::size_t>(end - suffix));
+        out->append(*name);
+    }
+    out->append(suffix, end);
     return out;
 }
 

@@ -211,14 +211,23 @@ bool kaldesign::addInstance(std::string* name, kalcomponent* component) {
 
 bool kaldesign::addNet(const std::string* name, const std::string* secondName, const std::string* type,
                        const std::string* text) {
+    bool added = false;
+    if (name && secondName) placeNet(*name, *secondName, type, text, added);
+    return added;
+}
+
+kalnet* kaldesign::placeNet(const std::string& name, const std::string& secondName, const std::string* type,
+                            const std::string* text, bool& added) {
     static const std::string typeKey("type");
     kalnetindex& nets = *data->netIndex;
-    if (!name || !secondName || nets.contains(*name)) return false;
-    auto* net = new kalnet(name, secondName, text);
+    auto at = nets.find(name);
+    added = at == data->getNetMap()->end();
+    if (!added) return at->second;
+    auto* net = new kalnet(&name, &secondName, text);
     if (type && !type->empty()) net->setAttribute(&typeKey, type, &kalidentity::spirit);
-    nets.emplace(*name, net);
+    nets.emplace(name, net);
     kalaccess::setDesign(net, this);
-    return true;
+    return net;
 }
 
 bool kaldesign::addNetbus(const std::string* name, const std::string* type, const std::string* secondName,
@@ -233,8 +242,8 @@ bool kaldesign::addNetbus(const std::string* name, const std::string* type, cons
         const unsigned int bit = static_cast<unsigned int>(i);
         std::unique_ptr<std::string> bitName(kalutilities::constructBusBit(name, bit));
         std::unique_ptr<std::string> bitSecond(kalutilities::constructBusBit(secondName, bit));
-        addNet(bitName.get(), bitSecond.get(), type, text);
-        bits.push_back(getNet(bitName.get()));  // an existing net of that name becomes the bit
+        bool added;
+        bits.push_back(placeNet(*bitName, *bitSecond, type, text, added));  // an existing net becomes the bit
     }
     kalnetbus* bus = kalnetbus::createNetBus(name, secondName, first, last, bits, text);
     if (type && !type->empty()) bus->setAttribute(&typeKey, type, &kalidentity::spirit, false);
