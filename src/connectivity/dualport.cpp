@@ -2,6 +2,7 @@
 #include "kaldualport.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cstddef>
 #include <map>
 #include <mutex>
@@ -31,6 +32,14 @@ std::recursive_mutex& tablesLock() {
     return *lock;
 }
 
+// Entries of listers(). Every port asks on its way out; while no port is listed
+// (the usual case) it is answered without the lock. Another thread's entries
+// concern another model, so a stale zero is safe.
+std::atomic<std::size_t> listedPorts{0};
+void countListed() {
+    listedPorts.store(listers().size(), std::memory_order_release);
+}
+
 // ---- port <-> dual port: the only two places where the pair changes ----
 
 void enlist(std::vector<kalport*>& list, kalport* port, kaldualport* dualPort) {
@@ -39,6 +48,7 @@ void enlist(std::vector<kalport*>& list, kalport* port, kaldualport* dualPort) {
     kalaccess::setDualPort(port, dualPort);
     std::lock_guard<std::recursive_mutex> hold(tablesLock());
     listers()[port].insert(dualPort);
+    countListed();
 }
 
 kalport* delist(std::vector<kalport*>& list, std::vector<kalport*>::iterator at, kaldualport* dualPort) {
@@ -53,6 +63,7 @@ kalport* delist(std::vector<kalport*>& list, std::vector<kalport*>::iterator at,
             it->second.erase(dualPort);
             if (it->second.empty()) listers().erase(it);
         }
+        countListed();
     }
     return port;
 }
@@ -132,11 +143,13 @@ std::size_t slotOf(unsigned int msb, unsigned int lsb, unsigned int index) {
 }  // namespace
 
 void kalduallists::portGone(const kalport* port) {
+    if (listedPorts.load(std::memory_order_acquire) == 0) return;
     std::lock_guard<std::recursive_mutex> hold(tablesLock());
     auto it = listers().find(port);
     if (it == listers().end()) return;
     const std::set<kaldualport*> lists = std::move(it->second);
     listers().erase(it);
+    countListed();
     for (kaldualport* dualPort : lists)
         kalaccess::forgetPort(dualPort, port);
 }

@@ -1,5 +1,6 @@
 #include "connectivity/heldbits.h"
 
+#include <atomic>
 #include <map>
 #include <mutex>
 #include <set>
@@ -18,6 +19,12 @@ struct table {
     std::recursive_mutex lock;
     std::map<const kalnet*, std::set<kalnetbus*>> holders;
     std::map<const kalnetbus*, std::set<const kalnet*>> held;
+    // Entries in both maps. Every bit net and net bus asks on its way in and
+    // out; while no net is shared (the usual case) they are answered without
+    // the lock. Another thread's entries concern another model, so a stale zero is safe.
+    std::atomic<std::size_t> entries{0};
+    void count() { entries.store(holders.size() + held.size(), std::memory_order_release); }
+    bool empty() const { return entries.load(std::memory_order_acquire) == 0; }
 };
 
 table& noted() {
@@ -30,8 +37,9 @@ table& noted() {
 
 void joined(kalnet* net, kalnetbus* bus) {
     table& t = noted();
-    std::lock_guard<std::recursive_mutex> hold(t.lock);
     kalnetbus* link = net->getBus();
+    if (t.empty() && (!link || link == bus)) return;
+    std::lock_guard<std::recursive_mutex> hold(t.lock);
     const bool shared = t.holders.count(net) != 0;
     if (!shared && (!link || link == bus)) return;
     for (kalnetbus* holder : {link, bus}) {
@@ -39,18 +47,22 @@ void joined(kalnet* net, kalnetbus* bus) {
         t.holders[net].insert(holder);
         t.held[holder].insert(net);
     }
+    t.count();
 }
 
 void netGone(const kalnet* net) {
     table& t = noted();
+    if (t.empty()) return;
     std::lock_guard<std::recursive_mutex> hold(t.lock);
     auto it = t.holders.find(net);
     if (it == t.holders.end()) return;
     const std::set<kalnetbus*> holders = std::move(it->second);
     t.holders.erase(it);
+    t.count();
     for (kalnetbus* bus : holders) {
         auto h = t.held.find(bus);
         if (h != t.held.end() && h->second.erase(net) && h->second.empty()) t.held.erase(h);
+        t.count();
         const std::vector<kalnet*> slots = bus->getBits();
         kalbits::forEachSlot(slots, bus->getMsb(), bus->getLsb(),
                              [&](std::size_t, kalnet* n, unsigned int bit) {
@@ -61,6 +73,7 @@ void netGone(const kalnet* net) {
 
 void busGone(const kalnetbus* bus) {
     table& t = noted();
+    if (t.empty()) return;
     std::lock_guard<std::recursive_mutex> hold(t.lock);
     auto it = t.held.find(bus);
     if (it == t.held.end()) return;
@@ -71,6 +84,7 @@ void busGone(const kalnetbus* bus) {
         if (h->second.empty()) t.holders.erase(h);
     }
     t.held.erase(it);
+    t.count();
 }
 
 }  // namespace kalheldbits

@@ -1,5 +1,6 @@
 #include "connectivity/unlisted.h"
 
+#include <atomic>
 #include <map>
 #include <mutex>
 #include <set>
@@ -17,6 +18,12 @@ struct table {
     std::mutex lock;
     std::map<const kalnet*, std::set<kalport*>> ports;
     std::map<const kalport*, std::set<const kalnet*>> nets;
+    // Entries in both maps. Every net and port asks on its way out; while
+    // nothing is noted (the usual case) they are answered without the lock.
+    // Another thread's entries concern another model, so a stale zero is safe.
+    std::atomic<std::size_t> entries{0};
+    void count() { entries.store(ports.size() + nets.size(), std::memory_order_release); }
+    bool empty() const { return entries.load(std::memory_order_acquire) == 0; }
 };
 
 table& noted() {
@@ -32,10 +39,12 @@ void note(kalport* port, const kalnet* net) {
     std::lock_guard<std::mutex> hold(t.lock);
     t.ports[net].insert(port);
     t.nets[port].insert(net);
+    t.count();
 }
 
 void netGone(const kalnet* net) {
     table& t = noted();
+    if (t.empty()) return;
     std::lock_guard<std::mutex> hold(t.lock);
     auto it = t.ports.find(net);
     if (it == t.ports.end()) return;
@@ -45,10 +54,12 @@ void netGone(const kalnet* net) {
         if (n != t.nets.end() && n->second.erase(net) && n->second.empty()) t.nets.erase(n);
     }
     t.ports.erase(it);
+    t.count();
 }
 
 void portGone(const kalport* port) {
     table& t = noted();
+    if (t.empty()) return;
     std::lock_guard<std::mutex> hold(t.lock);
     auto it = t.nets.find(port);
     if (it == t.nets.end()) return;
@@ -58,6 +69,7 @@ void portGone(const kalport* port) {
             t.ports.erase(p);
     }
     t.nets.erase(it);
+    t.count();
 }
 
 }  // namespace kalunlisted
