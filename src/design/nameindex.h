@@ -32,6 +32,7 @@ struct kalnameindex {
         entries.clear();
         slots.clear();
         count = 0;
+        last = entries.end();
     }
 
 private:
@@ -47,6 +48,10 @@ private:
     map_t& entries;
     std::vector<slot> slots;  // open addressing, linear probing; end() marks a free slot
     std::size_t count = 0;
+    // The latest insertion: names usually arrive in runs that sit side by side
+    // in the map (a bus's bits, n1_0, n1_1, ...), and a hint next to the right
+    // place turns the tree's descent into a constant-time insertion.
+    typename map_t::iterator last = entries.end();
 };
 
 struct kalnetindex : kalnameindex<kalnet> {
@@ -59,6 +64,7 @@ struct kalinstanceindex : kalnameindex<kalcomponent> {
 template <class T>
 void kalnameindex<T>::rebuildIfStale() {
     if (count == entries.size() && (!slots.empty() || entries.empty())) return;
+    last = entries.end();
     std::size_t size = 16;
     while (size < entries.size() * 2)
         size *= 2;
@@ -108,10 +114,12 @@ T* kalnameindex<T>::lookup(const std::string* name) {
 template <class T>
 bool kalnameindex<T>::emplace(const std::string& name, T* value) {
     rebuildIfStale();
-    auto inserted = entries.emplace(name, value);
-    if (!inserted.second) return false;
+    const std::size_t before = entries.size();
+    auto at = entries.emplace_hint(last, name, value);
+    if (entries.size() == before) return false;  // the name was taken; its entry stays
+    last = at;
     if ((count + 1) * 2 > slots.size()) resize(slots.empty() ? 16 : slots.size() * 2);
-    insertSlot(inserted.first, hashOf(name));
+    insertSlot(at, hashOf(name));
     return true;
 }
 
@@ -122,6 +130,7 @@ void kalnameindex<T>::erase(typename map_t::iterator at) {
     std::size_t i = hashOf(at->first) & mask;
     while (slots[i].at != at) {
         if (slots[i].at == entries.end()) {  // not indexed: the map was changed from outside
+            if (at == last) last = entries.end();
             entries.erase(at);
             count = entries.size() + 1;  // forces a rebuild before the next use
             return;
@@ -140,6 +149,7 @@ void kalnameindex<T>::erase(typename map_t::iterator at) {
     }
     slots[gap].at = entries.end();
     --count;
+    if (at == last) last = entries.end();
     entries.erase(at);
 }
 
