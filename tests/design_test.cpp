@@ -106,3 +106,38 @@ TEST_F(design, net_buses_names_sources_equality_and_a_silent_teardown) {
     top = nullptr;
     EXPECT_TRUE(records().empty());
 }
+
+// The net map is a public std::map the library also indexes by name and
+// inserts into with the latest insertion as hint; after any mix of additions,
+// renames and removals, including of the hinted entry, the map must hold
+// exactly the expected names and every lookup must find its own net.
+TEST_F(design, net_map_and_lookups_stay_exact_through_hinted_insertions) {
+    std::map<std::string, kalnet*> expected;
+    auto add = [&](const std::string& name) {
+        EXPECT_TRUE(d->addNet(&name, &name, S(""), nullptr)) << name;
+        expected[name] = d->getNet(&name);
+    };
+    auto check = [&] {
+        EXPECT_EQ(*d->data->getNetMap(), expected);
+        for (auto& entry : expected)
+            EXPECT_EQ(d->getNet(&entry.first), entry.second) << entry.first;
+    };
+    for (const char* name : {"n5_0", "n5_1", "a", "n5_2", "z"})
+        add(name);
+    EXPECT_FALSE(d->addNet(S("n5_1"), S("n5_1"), S(""), nullptr));  // taken: the entry stays
+    ASSERT_TRUE(d->removeNet(S("z")));                              // the hinted entry goes
+    expected.erase("z");
+    add("y");
+    add("b");
+    ASSERT_TRUE(d->changeNetName(S("b"), S("n5_3")));  // the hinted entry moves
+    expected["n5_3"] = expected["b"];
+    expected.erase("b");
+    add("n5_4");
+    ASSERT_TRUE(d->addNetbus(S("q"), S(""), S("q"), 11, 0, nullptr));  // bits arrive out of map order
+    for (unsigned int i = 0; i < 12; ++i) {
+        const std::string bit = "q[" + std::to_string(i) + "]";
+        expected[bit] = d->getNet(&bit);
+        EXPECT_NE(expected[bit], nullptr) << bit;
+    }
+    check();
+}
