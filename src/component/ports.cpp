@@ -26,15 +26,27 @@ kalcomponent* resolveOwner(kalcomponent* self, const std::string& path, std::str
     return self->getComponent(owner.get());
 }
 
+// addPort's work, with one descent of the port map: answers the port the
+// name maps to, new or not (null when the name maps to no port).
+kalport* placePort(kalcomponent* c, const std::string& name, const std::string& second, int direction,
+                   const std::string* text, bool& added) {
+    auto& ports = c->data->ports;
+    auto at = ports.lower_bound(name);
+    added = at == ports.end() || at->first != name;
+    if (!added) return at->second;
+    auto* port = new kalport(&name, &second, direction, text);
+    ports.emplace_hint(at, name, port);
+    kalaccess::setComponent(port, c);
+    return port;
+}
+
 }  // namespace
 
 int kalcomponent::addPort(const std::string* name, const std::string* second, int direction,
                           const std::string* fourth) {
-    if (!name || !second || data->ports.count(*name)) return 0;
-    auto* port = new kalport(name, second, direction, fourth);
-    data->ports.emplace(*name, port);
-    kalaccess::setComponent(port, this);
-    return 1;
+    bool added = false;
+    if (name && second) placePort(this, *name, *second, direction, fourth, added);
+    return added ? 1 : 0;
 }
 
 int kalcomponent::addPortbus(const std::string* name, const std::string* second, unsigned int msb,
@@ -48,8 +60,9 @@ int kalcomponent::addPortbus(const std::string* name, const std::string* second,
         const unsigned int bit = static_cast<unsigned int>(i);
         std::unique_ptr<std::string> bitName(kalutilities::constructBusBit(name, bit));
         std::unique_ptr<std::string> bitSecond(kalutilities::constructBusBit(second, bit));
-        addPort(bitName.get(), bitSecond.get(), direction, fourth);
-        kalport* port = getPort(bitName.get(), false);  // an existing port of that name becomes the bit
+        bool added;
+        // An existing port of that name becomes the bit.
+        kalport* port = placePort(this, *bitName, *bitSecond, direction, fourth, added);
         if (!port) continue;
         bus->connect(bit, port);
         port->setBus(bus);

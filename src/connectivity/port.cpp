@@ -73,7 +73,9 @@ kalport::kalport(const std::string* name_, const std::string* secondName_, int d
                  const std::string* text_)
     : component(nullptr), name(nullptr), bus(nullptr), net(nullptr), direction(0), extra(nullptr) {
     if (!name_ || !secondName_ || !validDirection(direction_)) return;
-    storeNames(kalnames::acquire(*name_), kalnames::acquire(*secondName_));
+    name =
+        kalnames::acquire(*name_);  // one trip to the shared table when both names agree, as they mostly do
+    if (*secondName_ != *name) more().secondName = kalnames::acquire(*secondName_);
     if (text_) more().text = new std::string(*text_);
     direction = direction_;
 }
