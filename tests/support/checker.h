@@ -1,14 +1,10 @@
-// Walks everything reachable from a root component through the public
-// interface and reports every broken link, each with a readable path.
+// The model checker, as the tests use it.
 #ifndef KALDATA_TESTS_SUPPORT_CHECKER_H
 #define KALDATA_TESTS_SUPPORT_CHECKER_H
 
-#include <string>
-#include <vector>
+#include "kalsupport.h"
 
-class kalcomponent;
-
-std::vector<std::string> checkModel(kalcomponent* root);
+using kalsupport::checkModel;
 
 // For tests: EXPECT_MODEL_OK(top) prints every problem found.
 #define EXPECT_MODEL_OK(root)                               \

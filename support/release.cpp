@@ -1,4 +1,4 @@
-#include "support/release.h"
+#include "kalsupport.h"
 
 #include <set>
 #include <vector>
@@ -44,14 +44,14 @@ struct leftovers {
 
 }  // namespace
 
-void release(kalcomponent* root) {
+void kalsupport::release(kalcomponent* root) {
     leftovers l;
     l.collect(root);
     delete root;
     l.free();
 }
 
-void releaseLeftovers(kalcomponent* component) {
+void kalsupport::releaseLeftovers(kalcomponent* component) {
     leftovers l;
     l.collect(component);
     l.free();

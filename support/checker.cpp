@@ -1,4 +1,4 @@
-#include "support/checker.h"
+#include "kalsupport.h"
 
 #include <algorithm>
 #include <map>
@@ -180,7 +180,7 @@ struct checker {
 
 }  // namespace
 
-std::vector<std::string> checkModel(kalcomponent* root) {
+std::vector<std::string> kalsupport::checkModel(kalcomponent* root) {
     checker c;
     if (root) c.component(root, text(root->data->instanceName));
     return c.problems;
