@@ -18,16 +18,9 @@
 
 #include "kaldata.h"
 #include "kalrecorder.h"
+#include "w1model.h"
 
 namespace {
-
-struct lcg {
-    std::uint64_t state = 1;
-    std::uint32_t next() {
-        state = state * 6364136223846793005ull + 1442695040888963407ull;
-        return static_cast<std::uint32_t>(state >> 32);
-    }
-};
 
 using clock_type = std::chrono::steady_clock;
 
@@ -84,11 +77,6 @@ bool expectedAfterEdit(std::size_t n, counts& c) {
     }
 }
 
-void fail(const char* what, const std::string& detail) {
-    std::fprintf(stderr, "W1 failed: %s %s\n", what, detail.c_str());
-    std::exit(1);
-}
-
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -97,102 +85,40 @@ int main(int argc, char** argv) {
         return 2;
     }
     const std::size_t n = std::strtoul(argv[1], nullptr, 10);
-    if (n < 10 || n % 10) fail("N must be a positive multiple of 10:", argv[1]);
+    if (n < 10 || n % 10) {
+        std::fprintf(stderr, "W1 failed: N must be a positive multiple of 10: %s\n", argv[1]);
+        return 1;
+    }
     const bool live = argc > 2 && std::strcmp(argv[2], "--live") == 0;
     kalrecorder::setNullObjects(!live);
     kalrecorder::setKeepRecords(false);
 
-    std::string acme("acme"), soc("soc"), top_("top"), v10("1.0"), rtl("top_rtl"), ip("ip"), empty;
-    auto* top = new kalcomponent(&acme, &soc, &top_, &v10);
-    top->createDesign(&acme, &soc, &rtl, &v10);
-    kaldesign* d = top->getDesign(&rtl);
-    std::string clk("clk");
-    top->addPort(&clk, &clk, 1, nullptr);
+    kalcomponent* top = w1::makeTop();
+    kaldesign* d = w1::design(top);
     {
         phase p{"create"};
-        const std::string types[4] = {"blk0", "blk1", "blk2", "blk3"};
-        for (std::size_t i = 0; i < n; ++i) {
-            auto* c = new kalcomponent(&acme, &ip, &types[i % 4], &v10);
-            for (int j = 0; j < 8; ++j) {
-                std::string name = "i" + std::to_string(j);
-                c->addPort(&name, &name, 1, nullptr);
-            }
-            for (int j = 0; j < 8; ++j) {
-                std::string name = "o" + std::to_string(j);
-                c->addPort(&name, &name, 2, nullptr);
-            }
-            std::string bus("d");
-            c->addPortbus(&bus, &bus, 31, 0, 2, nullptr);
-            std::string inst = "u" + std::to_string(i);
-            d->addInstance(&inst, c);
-        }
-        d->addNet(&clk, &clk, &empty, nullptr);
-        for (std::size_t i = 0; i < n; ++i) {
-            for (int j = 0; j < 8; ++j) {
-                std::string name = "n" + std::to_string(i) + "_" + std::to_string(j);
-                d->addNet(&name, &name, &empty, nullptr);
-            }
-            std::string bus = "b" + std::to_string(i);
-            d->addNetbus(&bus, &empty, &bus, 31, 0, nullptr);
-        }
+        w1::create(d, n);
     }
     {
         phase p{"drivers"};
-        for (std::size_t i = 0; i < n; ++i) {
-            std::string inst = "u" + std::to_string(i);
-            for (int j = 0; j < 8; ++j) {
-                std::string net = "n" + std::to_string(i) + "_" + std::to_string(j),
-                            port = "o" + std::to_string(j);
-                if (!d->connect(&net, &port, &inst)) fail("connect", net);
-            }
-            for (int k = 31; k >= 0; --k) {
-                std::string net = "b" + std::to_string(i) + "[" + std::to_string(k) + "]";
-                std::string port = "d[" + std::to_string(k) + "]";
-                if (!d->connect(&net, &port, &inst)) fail("connect", net);
-            }
-        }
+        w1::drivers(d, n);
     }
     {
         phase p{"clk"};
-        if (!d->connect(&clk, &clk, &empty)) fail("connect", "clk top port");
-        std::string i0("i0");
-        for (std::size_t i = 0; i < n; ++i) {
-            std::string inst = "u" + std::to_string(i);
-            if (!d->connect(&clk, &i0, &inst)) fail("connect clk", inst);
-        }
+        w1::clk(d, n);
     }
     {
         phase p{"random"};
-        lcg rng;
-        for (std::size_t i = 0; i < n; ++i) {
-            std::string inst = "u" + std::to_string(i);
-            for (int j = 1; j <= 7; ++j) {
-                std::size_t s = rng.next() % (n - 1);
-                if (s >= i) ++s;
-                std::uint32_t b = rng.next() % 8;
-                std::string net = "n" + std::to_string(s) + "_" + std::to_string(b),
-                            port = "i" + std::to_string(j);
-                if (!d->connect(&net, &port, &inst)) fail("connect", net);
-            }
-        }
+        w1::random(d, n);
     }
     bool ok = check("after build", measure(d), counts{n, 40 * n + 1, n, 48 * n + 1, n + 1});
     {
         phase p{"rename"};
-        for (std::size_t i = 0; i < n; i += 10) {
-            std::string from = "n" + std::to_string(i) + "_0", to = "r" + std::to_string(i) + "_0";
-            if (!d->changeNetName(&from, &to)) fail("rename", from);
-        }
+        w1::rename(d, n);
     }
     {
         phase p{"remove"};
-        for (std::size_t i = 5; i < n; i += 10) {
-            std::string inst = "u" + std::to_string(i);
-            kalcomponent* c = d->getInstance(&inst);
-            delete c->data->generators;  // a component never frees its generator registry
-            c->data->generators = nullptr;
-            if (!d->removeInstance(&inst)) fail("removeInstance", inst);
-        }
+        w1::remove(d, n);
     }
     counts want;
     if (expectedAfterEdit(n, want))
