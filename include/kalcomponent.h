@@ -21,6 +21,8 @@ class kalelements;
 class kalgenerator;
 class kalgenerators;
 class kalcomponentdata;
+struct kalhandedback;
+struct kalhandback;
 
 class KALDATA_API kalcomponent {
 public:
@@ -126,6 +128,10 @@ public:
 
     kalcomponentdata();
     ~kalcomponentdata();
+
+private:
+    kalhandedback* handedBack;  // designs it let go of that still point to it
+    friend struct kalhandback;
 };
 
 #endif

@@ -22,6 +22,8 @@ class kaldesigndata;
 struct kalinstanceorder;
 struct kalnetindex;
 struct kalinstanceindex;
+struct kalhandedback;
+struct kalhandback;
 
 class KALDATA_API kaldesign {
 public:
@@ -96,8 +98,10 @@ private:
     kalinstanceorder* instanceOrder;  // finds an instance's place in the list without walking it
     kalnetindex* netIndex;            // finds a net by name without walking the net map
     kalinstanceindex* instanceIndex;  // the same for instances
+    kalhandedback* handedBack;        // what the design let go of that still points to it
 
     friend class kaldesign;
+    friend struct kalhandback;
 
 public:
     kaldesigndata();

@@ -59,7 +59,7 @@ private:
     kaldesign* design;
     std::string* name;
     std::string* secondName;
-    std::string* text;
+    std::string* text;  // its lowest bit marks a bus that removeNetbus handed to the caller
     std::vector<kalnet*>* bits;
     unsigned int msb;
     unsigned int lsb;
@@ -98,6 +98,9 @@ private:
     void setSecondName(const std::string* secondName);
     void setRange(unsigned int msb, unsigned int lsb);
     void clearBits();
+    void markHandedBack();
+    bool handedBack() const;
+    std::string* ownText() const;
 };
 
 KALDATA_API bool isInternalConnection(kalnet* net);

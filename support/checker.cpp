@@ -32,6 +32,9 @@ bool maps(const Map& registered, const T* x) {
         if (entry.second == x) return true;
     return false;
 }
+bool emptyBus(const kalportbus* b) {
+    return !b->getName() && b->getBits().empty();
+}
 bool held(const kalportbus* b) {
     return !b || (b->getComponent() && maps(b->getComponent()->data->portbuses, b));
 }
@@ -84,7 +87,8 @@ struct checker {
             port(c, key, p, {where, key, "/", ""});
         for (auto& [key, b] : c->data->portbuses) {
             const place at{where, key, "/", "[bus]"};
-            if (text(b->getName()) != key)
+            // A bus made with a direction outside 1..3 stays empty: no name, no slots.
+            if (b->getName() ? *b->getName() != key : !emptyBus(b))
                 fail(at, "bus name " + text(b->getName()) + " differs from its key");
             if (b->getComponent() != c) fail(at, "bus does not point back to its component");
             for (kalport* bit : bitsOf(b)) {
@@ -101,14 +105,16 @@ struct checker {
     }
 
     void port(kalcomponent* c, const std::string& key, kalport* p, const place& at) {
-        if (!p->getName() || *p->getName() != key)
+        // A port made with a direction outside 1..3 stays empty, without a name.
+        const bool empty = !p->getName() && (p->getDirection() < 1 || p->getDirection() > 3);
+        if (p->getName() ? *p->getName() != key : !empty)
             fail(at, "port name " + text(p->getName()) + " differs from its key");
         if (p->getComponent() != c) fail(at, "port does not point back to its component");
         if (kalnet* n = p->getNet()) {
             if (!holds(portsOf(n), p)) fail(at, "its net " + text(n->getName()) + " does not list it");
         }
         if (kalportbus* b = p->getBus()) {
-            if (!holds(bitsOf(b), p)) fail(at, "its bus " + text(b->getName()) + " has no slot for it");
+            if (!holds(bitsOf(b), p) && !emptyBus(b)) fail(at, "its bus " + text(b->getName()) + " has no slot for it");
         }
         if (kaldualport* dp = p->getDualPort()) {
             if (!holds(dp->getPortList(), p))

@@ -1,9 +1,11 @@
 #include <iostream>
 #include <memory>
 
+#include "connectivity/access.h"
 #include "core/identity.h"
 #include "core/maps.h"
 #include "core/text.h"
+#include "design/handedback.h"
 #include "kalcomponent.h"
 #include "kaldesign.h"
 #include "kalelements.h"
@@ -31,15 +33,26 @@ kaldesign* firstDesign(const kalcomponentdata* d) {
 // ---- kalcomponentdata ----
 
 kalcomponentdata::kalcomponentdata()
-    : instanceName(nullptr), elements(new kalelements()), generators(new kalgenerators()) {}
+    : instanceName(nullptr),
+      elements(new kalelements()),
+      generators(new kalgenerators()),
+      handedBack(nullptr) {}
 
 kalcomponentdata::~kalcomponentdata() {
     // The catalogue goes first; ports destroyed below must find it gone, not freed.
     delete elements;
     elements = nullptr;
     kalmaps::destroyAll(designs);
+    // Port buses go before the ports; none need look for stray bit links then.
+    for (auto& entry : ports)
+        if (entry.second) entry.second->unsetBus();
+    for (auto& entry : portbuses)
+        if (entry.second) kalaccess::setComponent(entry.second, nullptr);
     kalmaps::destroyAll(portbuses);
     kalmaps::destroyAll(ports);
+    // Designs handed back outlive their owner without a link to it; records
+    // sent while the ports above left their nets still named it.
+    kalhandback::ownerGone(this);
     kalmaps::destroyAll(parameters);
     lpcs.clear();
     lpcs.shrink_to_fit();
@@ -81,6 +94,7 @@ void kalcomponent::setVersion(const std::string* value) {
 }
 
 kalcomponent::~kalcomponent() {
+    kalhandback::forget(this);  // an instance handed back leaves its former design's list
     delete data;
     data = nullptr;
     delete identity;
@@ -135,14 +149,21 @@ int kalcomponent::createDesign(const std::string* vendor, const std::string* lib
     if (!vendor || !library || !name || !version) return 0;
     auto* design = new kaldesign(vendor, library, name, version);
     design->owner = this;
-    data->designs.erase(*name);  // a replaced design is not destroyed
+    auto old = data->designs.find(*name);
+    if (old != data->designs.end()) {  // a replaced design is not destroyed: the caller has it
+        if (old->second) kalhandback::note(this, old->second);
+        data->designs.erase(old);
+    }
     data->designs.emplace(*name, design);
     return 1;
 }
 
 int kalcomponent::deleteDesign(const std::string* name) {
     if (!name) return 0;
-    data->designs.erase(*name);
+    auto it = data->designs.find(*name);
+    if (it == data->designs.end()) return 1;
+    if (it->second) kalhandback::note(this, it->second);
+    data->designs.erase(it);
     return 1;
 }
 

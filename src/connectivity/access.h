@@ -47,6 +47,8 @@ struct kalaccess {
     static void setSecondName(kalnetbus* b, const std::string* s) { b->setSecondName(s); }
     static void setRange(kalnetbus* b, unsigned int msb, unsigned int lsb) { b->setRange(msb, lsb); }
     static void clearBits(kalnetbus* b) { b->clearBits(); }
+    static void markHandedBack(kalnetbus* b) { b->markHandedBack(); }
+    static bool handedBack(const kalnetbus* b) { return b->handedBack(); }
 
 private:
     template <class Change>

@@ -1,4 +1,5 @@
 // Dual ports and dual port buses.
+#include "design/handedback.h"
 #include "kaldualport.h"
 
 #include <algorithm>
@@ -228,6 +229,7 @@ void kaldualport::unsetBus() {
 }
 
 kaldualport::~kaldualport() {
+    kalhandback::forget(this);
     while (!ports.empty())
         delist(ports, ports.begin(), this);
 
@@ -345,6 +347,7 @@ void kaldualportbus::removeAllAttributes(bool propagate) {
 }
 
 kaldualportbus::~kaldualportbus() {
+    kalhandback::forget(this);
     for (kaldualport*& member : slotVector) {
         if (member) member->unsetBus();
         member = nullptr;

@@ -4,7 +4,9 @@
 // most, and any of them may clear it (a destroyed bus, deleteNetbus), so once
 // a net is shared every bus that takes it is noted here, and a net that is
 // destroyed leaves every slot it is in. A net only ever in one bus is not
-// noted: then the table stays empty.
+// noted: then the table stays empty. Likewise a net that left a slot while
+// keeping its link (kalnetbus::disconnect) is noted, so that the link is
+// cleared when the bus dies first.
 #ifndef KALDATA_SRC_CONNECTIVITY_HELDBITS_H
 #define KALDATA_SRC_CONNECTIVITY_HELDBITS_H
 
@@ -15,9 +17,13 @@ namespace kalheldbits {
 
 // The net goes into a slot of the bus; called before the net's link is set to it.
 void joined(kalnet* net, kalnetbus* bus);
-// The net is being destroyed: every noted holder's slots that hold it are emptied.
+// The net left a slot of the bus but keeps its link to it (kalnetbus::disconnect).
+void left(kalnet* net, kalnetbus* bus);
+// The net is being destroyed: every noted holder's slots that hold it are
+// emptied, and no bus remembers it as having left.
 void netGone(const kalnet* net);
-// The bus is being destroyed: it is no longer a holder.
+// The bus is being destroyed: it is no longer a holder, and nets that left it
+// with their link kept lose the link.
 void busGone(const kalnetbus* bus);
 
 }  // namespace kalheldbits

@@ -4,7 +4,10 @@
 #include "connectivity/portlist.h"
 #include "connectivity/propagate.h"
 #include "connectivity/unlisted.h"
+#include <cstdint>
+
 #include "core/names.h"
+#include "design/handedback.h"
 #include "core/text.h"
 #include "connectivity/roles.h"
 #include "events/events.h"
@@ -170,7 +173,6 @@ bool kalnet::operator!=(const kalnet& other) const {
 }
 
 kalnet::~kalnet() {
-    kalheldbits::netGone(this);  // buses other than its own may still hold it
     kalunlisted::netGone(this);  // ports it took off its list may still point to it
     kalportlist list(ports);
     if (list.present()) {
@@ -181,14 +183,18 @@ kalnet::~kalnet() {
     if (bus) {
         kalnetbus* b = bus;
         b->disconnect(this);
+        // A bus that removeNetbus handed back is the caller's: it loses this
+        // bit but is not destroyed with it.
+        const bool callers = kalaccess::handedBack(b);
         if (b->getDesign() && b->getName()) {
             const std::string busName = *b->getName();  // the design may drop the bus's name with it
             b->getDesign()->removeNetbus(&busName);
         }
         // Deleting one bit net deletes its whole bus; the other bits survive.
-        if (bus) delete bus;
+        if (bus && !callers) delete bus;
         bus = nullptr;
     }
+    kalheldbits::netGone(this);  // buses other than its own may still hold it
     delete extra;
 }
 
@@ -309,14 +315,18 @@ void kalnetbus::disconnect(unsigned int i) {
     if (!bits || !kalbits::inRange(i, msb, lsb)) return;
     std::size_t s = kalbits::slot(i, msb);
     if (s >= bits->size()) return;
+    kalnet* was = (*bits)[s];
     (*bits)[s] = nullptr;  // the net that was there keeps its bus link
+    if (was) kalheldbits::left(was, this);
 }
 
 void kalnetbus::disconnect(kalnet* net) {
     if (!net || !bits) return;
     for (kalnet*& n : *bits) {
         if (n && *n == *net) {
+            kalnet* was = n;
             n = nullptr;  // both nets keep their bus links
+            kalheldbits::left(was, this);
             return;
         }
     }
@@ -350,7 +360,20 @@ void kalnetbus::removeAllAttributes(bool propagate) {
     kalpropagate::apply(*this, bits, propagate, [&](kalattributes& a) { a.removeAllAttributes(); });
 }
 
+// A bus handed back is the caller's: a dying bit leaves it but does not
+// destroy it. The mark rides on the text pointer, whose lowest bit is free.
+void kalnetbus::markHandedBack() {
+    text = reinterpret_cast<std::string*>(reinterpret_cast<std::uintptr_t>(text) | 1u);
+}
+bool kalnetbus::handedBack() const {
+    return reinterpret_cast<std::uintptr_t>(text) & 1u;
+}
+std::string* kalnetbus::ownText() const {
+    return reinterpret_cast<std::string*>(reinterpret_cast<std::uintptr_t>(text) & ~std::uintptr_t(1));
+}
+
 kalnetbus::~kalnetbus() {
+    kalhandback::forget(this);
     if (bits) {
         for (kalnet* n : *bits)
             if (n) n->unsetBus();
@@ -358,7 +381,7 @@ kalnetbus::~kalnetbus() {
     }
     kalheldbits::busGone(this);
     kalnames::releasePair(name, secondName);
-    delete text;
+    delete ownText();
 }
 
 kaldesign* kalnetbus::getDesign() const {
@@ -371,7 +394,7 @@ const std::string* kalnetbus::getSecondName() const {
     return secondName;
 }
 const std::string* kalnetbus::getText() const {
-    return text;
+    return ownText();
 }
 std::vector<kalnet*> kalnetbus::getBits() const {
     return bits ? *bits : std::vector<kalnet*>();

@@ -380,6 +380,12 @@ kalportbus::~kalportbus() {
             if (p) p->unsetBus();
         delete bits;
     }
+    // Ports can point here from outside the slots: bits of a bus made without
+    // slots (a direction outside 1..3), or a bit whose slot connect() gave to
+    // another port. None may keep the link.
+    if (component && component->data)
+        for (auto& entry : component->data->ports)
+            if (entry.second && entry.second->getBus() == this) entry.second->unsetBus();
     kalnames::release(name);
     kalnames::release(secondName);
     delete text;

@@ -3,6 +3,7 @@
 #include "connectivity/access.h"
 #include "core/identity.h"
 #include "core/maps.h"
+#include "design/handedback.h"
 #include "design/instanceorder.h"
 #include "design/nameindex.h"
 #include "events/events.h"
@@ -17,8 +18,12 @@
 
 namespace {
 
+// The member is cleared before its entries die, so that a dying entry that
+// calls back into the design finds the map gone rather than half torn down.
 template <class Map>
-void destroyAll(Map* m) {
+void destroyAll(Map*& member) {
+    Map* m = member;
+    member = nullptr;
     kalmaps::destroyAll(*m);
     delete m;
 }
@@ -42,7 +47,8 @@ kaldesigndata::kaldesigndata()
       virtualElementList(new std::list<kalelement*>()),
       instanceOrder(new kalinstanceorder(*instanceList)),
       netIndex(new kalnetindex(*netMap)),
-      instanceIndex(new kalinstanceindex(*instanceMap)) {}
+      instanceIndex(new kalinstanceindex(*instanceMap)),
+      handedBack(nullptr) {}
 
 kaldesigndata::~kaldesigndata() {
     // Buses before their members: a dual port bus clears its members' bus links
@@ -95,8 +101,11 @@ kaldesign::kaldesign(const std::string* vendor, const std::string* library, cons
 }
 
 kaldesign::~kaldesign() {
+    kalhandback::forget(this);  // a design handed back leaves its former owner's list
     delete identity;
     identity = nullptr;
+    // What the design handed back outlives it without a link to it.
+    kalhandback::ownerGone(this);
     delete data;
     data = nullptr;
 }
@@ -200,6 +209,7 @@ bool kaldesign::operator!=(const kaldesign& other) const {
 
 bool kaldesign::addInstance(std::string* name, kalcomponent* component) {
     if (!name || !component || !data->instanceIndex->emplace(*name, component)) return false;
+    if (component->parentDesign) kalhandback::forget(component);  // handed back by a design before
     kalaccess::setInstanceName(component, *name);
     component->parentDesign = this;
     data->instanceOrder->append(component);
@@ -253,6 +263,8 @@ bool kaldesign::addNetbus(const std::string* name, const std::string* type, cons
 }
 
 void kaldesign::removeAllInstances() {
+    for (auto& entry : *data->getInstanceMap())
+        if (entry.second) kalhandback::note(this, entry.second);
     data->instanceIndex->clear();
     data->instanceOrder->clear();
 }

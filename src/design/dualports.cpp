@@ -4,6 +4,7 @@
 #include <set>
 #include <utility>
 
+#include "design/handedback.h"
 #include "events/events.h"
 #include "events/paths.h"
 #include "kalcomponent.h"
@@ -49,6 +50,7 @@ kaldualportbus* kaldesign::getDualPortbus(const std::string& name) {
 void kaldesign::insertDualPort(const std::string& name, kaldualport* dualPort) {
     auto* map = data->getDualPortMap();
     if (name.empty() || !dualPort || map->count(name)) return;
+    kalhandback::forget(dualPort);  // it may come back from a design that handed it out
     dualPort->setDesign(this);
     map->emplace(name, dualPort);
     announce(this, "dualpin", "add", "dualpin", kalpaths::dualPortPath(this, name));
@@ -86,6 +88,7 @@ bool kaldesign::insertDualPortBus(const std::string& name, kaldualportbus* bus) 
     auto* map = data->getDualPortbusMap();
     if (name.empty() || !bus) return false;
     if (!map->empty() && map->count(name)) return false;
+    kalhandback::forget(bus);
     bus->setDesign(this);
     map->emplace(name, bus);
     announce(this, "dualpinbus", "add", "dualpinbus", name);
@@ -124,7 +127,12 @@ void kaldesign::removePortFromDualPort(const std::string& dualPortName, const st
 }
 
 void kaldesign::removeDualPort(const std::string& name) {
-    if (!name.empty()) data->getDualPortMap()->erase(name);
+    if (name.empty()) return;
+    auto* map = data->getDualPortMap();
+    auto it = map->find(name);
+    if (it == map->end()) return;
+    if (it->second) kalhandback::note(this, it->second);
+    map->erase(it);
 }
 
 void kaldesign::deleteDualPort(const std::string& name) {
@@ -137,7 +145,13 @@ void kaldesign::deleteDualPort(const std::string& name) {
 void kaldesign::removeDualPortBus(const std::string& name) {
     if (name.empty()) return;
     const std::string given = name;  // may be the name field of the bus being dropped
-    data->getDualPortbusMap()->erase(given);
+    auto* map = data->getDualPortbusMap();
+    if (!map) return;  // called back while the design is torn down
+    auto it = map->find(given);
+    if (it != map->end()) {
+        if (it->second) kalhandback::note(this, it->second);
+        map->erase(it);
+    }
     announce(this, "dualpinbus", "remove", "dualpinbus", given);
 }
 

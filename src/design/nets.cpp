@@ -4,6 +4,7 @@
 #include "connectivity/access.h"
 #include "connectivity/roles.h"
 #include "connectivity/bits.h"
+#include "design/handedback.h"
 #include "design/nameindex.h"
 #include "design/prune.h"
 #include "events/events.h"
@@ -28,9 +29,16 @@ void sendRename(const char* category, const kaldesign* d, const std::string& fro
 bool kaldesign::removeNetbus(const std::string* name) {
     if (!name) return false;
     auto* buses = data->getNetbusMap();
-    if (!buses->count(*name)) return true;
+    if (!buses) return true;  // called back while the design is torn down
+    auto it = buses->find(*name);
+    if (it == buses->end()) return true;
     const std::string path = kalpaths::designPath(this, *name);  // name may belong to the bus
-    buses->erase(*name);
+    kalnetbus* bus = it->second;
+    buses->erase(it);
+    if (bus) {
+        kalaccess::markHandedBack(bus);
+        kalhandback::note(this, bus);
+    }
     kalevents::emit("netbus", "rem", "netbus", path);
     return true;
 }
@@ -170,8 +178,10 @@ bool kaldesign::removeNet(const std::string* name) {
             const std::string busName = *bus->getName();
             const std::string path = kalpaths::designPath(bus->getDesign(), busName);
             kaldesign* owning = bus->getDesign() ? bus->getDesign() : this;
+            // A bus handed back by removeNetbus is the caller's to destroy.
+            const bool callers = kalaccess::handedBack(bus);
             owning->removeNetbus(&busName);
-            delete bus;
+            if (!callers) delete bus;
             kalevents::emit("netbus", "rem", "netbus",
                             path);  // the bus is reported a second time, as consumers expect
         }
