@@ -74,7 +74,13 @@ public:
         unsigned b = byte();
         return b < 0xF0 ? b % 4 : 4 + b % 8;
     }
-    int direction() { return 1 + static_cast<int>(byte() % 3); }
+    // Mostly a valid direction; now and then one outside 1..3, which makes
+    // empty ports and port buses without slots.
+    int direction() {
+        static const int odd[4] = {0, 4, -1, 7};
+        const unsigned b = byte() % 16;
+        return b < 12 ? 1 + static_cast<int>(b % 3) : odd[b - 12];
+    }
 
 private:
     const std::uint8_t* at;
@@ -130,6 +136,47 @@ struct scope {
     kaldesign* design;
 };
 
+// What the library handed back, kept for a while: destroyed by a later
+// operation or at the end, before or after the whole tree, in any order
+// relative to its former owner.
+struct kept {
+    std::vector<kalnetbus*> netbuses;
+    std::vector<kaldualport*> dualPorts;
+    std::vector<kaldualportbus*> dualBuses;
+    std::vector<kaldesign*> designs;
+    std::vector<kalcomponent*> instances;
+
+    template <class T>
+    static void destroy(std::vector<T*>& v, std::size_t k) {
+        if (v.empty()) return;
+        k %= v.size();
+        T* x = v[k];
+        v.erase(v.begin() + static_cast<std::ptrdiff_t>(k));
+        delete x;
+    }
+    // Kind 0..4, then which one of that kind.
+    void destroyOne(unsigned kind, std::size_t k) {
+        switch (kind % 5) {
+            case 0:
+                return destroy(netbuses, k);
+            case 1:
+                return destroy(dualPorts, k);
+            case 2:
+                return destroy(dualBuses, k);
+            case 3:
+                return destroy(designs, k);
+            default:
+                return destroy(instances, k);
+        }
+    }
+    void destroyAll(bool backwards) {
+        while (!netbuses.empty() || !dualPorts.empty() || !dualBuses.empty() || !designs.empty() ||
+               !instances.empty())
+            for (unsigned kind = 0; kind < 5; ++kind)
+                destroyOne(backwards ? 4 - kind : kind, 0);
+    }
+};
+
 // The operations, with their argument bytes after the opcode. A name is one
 // byte (null, a pool name, or a name the model holds); "where" is a mode, an
 // instance and an extra byte; "via" chooses the owner's forwarding operation
@@ -176,6 +223,7 @@ enum class op : unsigned {
     attributes,       // scope, value, member, kind, name (or port), flag
     catalogue,        // scope, member, element name, flag (UVCCIO or CLK_SRC)
     queries,          // scope
+    freeKept,         // kind, which: destroy one object the library handed back
     count
 };
 
@@ -201,12 +249,22 @@ public:
         }
         // release() frees the file sets and generators the live tree leaves behind, not the catalogue groups.
         std::vector<kalelementgroup*> groups;
-        for (kalcomponent* c : liveComponents())
+        std::set<kalcomponent*> tree;
+        walk(top, nullptr, &tree);
+        for (kalcomponent* c : tree)
             for (kalelementgroup* g : catalogueGroups(c))
                 groups.push_back(g);
+        // What was handed back goes before the tree or after it.
+        const bool keptLast = setup & 4u;
+        trace("end: kept objects destroyed %s the tree\n", keptLast ? "after" : "before");
+        if (!keptLast) held.destroyAll(setup & 8u);
         release(top);
         for (kalelementgroup* g : groups)
             delete g;
+        if (keptLast) held.destroyAll(setup & 8u);
+        // The kept components' leftovers, once they are gone too.
+        for (auto& [c, debt] : ledger)
+            if (!tree.count(c)) debt.free();
         ledger.clear();
         kalrecorder::setNullObjects(false);
         kalrecorder::clear();
@@ -217,6 +275,7 @@ private:
     kalcomponent* top = nullptr;
     std::deque<std::string> arena;  // the strings handed to one operation
     std::map<kalcomponent*, owed> ledger;
+    kept held;  // handed back by the library, destroyed later
     std::size_t ops = 0;
     std::vector<scope> current;  // the designs when the operation started
     // removeAllInstances leaves the components it hands back their instance
@@ -264,6 +323,15 @@ private:
         std::set<kalcomponent*> out;
         walk(top, nullptr, &out);
         return out;
+    }
+    // Components still alive outside the tree: kept instances and the insides
+    // of kept designs. Their leftovers wait until they are gone.
+    void walkKept(std::set<kalcomponent*>& live) {
+        for (kalcomponent* c : held.instances)
+            walk(c, nullptr, &live);
+        for (kaldesign* d : held.designs)
+            for (auto& i : *d->data->getInstanceMap())
+                if (i.second) walk(i.second, nullptr, &live);
     }
     std::vector<kalcomponent*> components() {
         std::set<kalcomponent*> live = liveComponents();
@@ -478,8 +546,8 @@ private:
         for (auto& [bus, design] : before) {
             // A design that is gone destroyed its buses with it.
             if (bus == destroyed || mapped.count(bus) || !designs.count(design)) continue;
-            trace("    freeing dual port bus %s, out of its map\n", bus->getName().c_str());
-            delete bus;
+            trace("    keeping dual port bus %s, out of its map\n", bus->getName().c_str());
+            held.dualBuses.push_back(bus);
         }
     }
 
@@ -513,6 +581,7 @@ private:
         std::vector<scope> after;
         std::set<kalcomponent*> live;
         walk(top, &after, &live);
+        walkKept(live);
         adoptUnmappedBits(after);
         adoptDroppedDualBuses(before, destroyed, after);
         settleLedger(live);
@@ -531,6 +600,13 @@ private:
             case op::deleteDesign:
             case op::setName:
                 return onComponent(o);
+            case op::freeKept: {
+                const unsigned kind = in.byte();
+                const std::size_t k = in.byte();
+                trace("%zu free kept object kind %u #%zu\n", ops, kind % 5, k);
+                held.destroyOne(kind, k);
+                return;
+            }
             case op::count:
                 return;
             default:
@@ -653,13 +729,14 @@ private:
     // itself). Layout: which, name, destination design.
     void reAddInstances(const scope& s) {
         kaldesign* d = s.design;
-        const std::map<std::string, kalcomponent*> held = *d->data->getInstanceMap();
-        const std::size_t renamed = in.below(held.size());
+        const std::map<std::string, kalcomponent*> instances = *d->data->getInstanceMap();
+        const std::size_t renamed = in.below(instances.size());
         const std::string* fresh = name({}, false);
         const scope& there = current[in.below(current.size())];
+        const bool keepChosen = in.flag();  // the chosen one stays with us instead
         kaldesign* dest = d;
-        if (renamed < held.size()) {
-            kalcomponent* moved = std::next(held.begin(), static_cast<std::ptrdiff_t>(renamed))->second;
+        if (renamed < instances.size()) {
+            kalcomponent* moved = std::next(instances.begin(), static_cast<std::ptrdiff_t>(renamed))->second;
             bool inside = false;
             for (kalcomponent* c = there.owner; c && !inside;
                  c = c->parentDesign ? c->parentDesign->owner : nullptr)
@@ -670,13 +747,19 @@ private:
               iname(s.owner).c_str(), renamed, show(fresh),
               dest == d ? "the same design" : iname(there.owner).c_str());
         d->removeAllInstances();
-        if (renamed < held.size() && held.count(*fresh) && std::next(held.begin(), renamed)->first != *fresh)
+        if (renamed < instances.size() && instances.count(*fresh) &&
+            std::next(instances.begin(), renamed)->first != *fresh)
             twins = true;
         std::size_t k = 0;
-        for (auto& [key, c] : held) {
+        for (auto& [key, c] : instances) {
             const bool chosen = k++ == renamed;
+            if (chosen && keepChosen) {
+                held.instances.push_back(c);
+                twins = true;  // it keeps its name and parent design: a later one may equal it
+                continue;
+            }
             std::string* n = &arena.emplace_back(chosen ? *fresh : key);
-            if (!(chosen ? dest : d)->addInstance(n, c)) delete c;  // handed back to us, and refused
+            if (!(chosen ? dest : d)->addInstance(n, c)) held.instances.push_back(c);  // refused: ours
         }
     }
 
@@ -821,7 +904,7 @@ private:
                 bool mapped = false;
                 for (auto& e : *d->data->getNetbusMap())
                     mapped = mapped || e.second == bus;
-                if (bus && !mapped) delete bus;
+                if (bus && !mapped) held.netbuses.push_back(bus);
                 return;
             }
             default: {
@@ -1021,7 +1104,7 @@ private:
                 kaldualport* dp = d->getDualPort(key);
                 trace("%zu %s: removeDualPort %s\n", ops, who, key.c_str());
                 d->removeDualPort(n);
-                if (dp && !mapsDual(d, dp)) delete dp;
+                if (dp && !mapsDual(d, dp)) held.dualPorts.push_back(dp);
                 return;
             }
             default: {
@@ -1138,7 +1221,7 @@ private:
             trace("%zu %s: deleteDesign %s\n", ops, who, show(n));
             c->deleteDesign(n);
         }
-        if (old && c->getDesign(&key) != old) delete old;
+        if (old && c->getDesign(&key) != old) held.designs.push_back(old);
     }
 
     // Layout: value, member, kind, name (or port), flag.

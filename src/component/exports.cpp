@@ -1,5 +1,6 @@
 // Exports: making an instance's port (or port bus) a port of the enclosing
 // component, wired by a net (or net bus) of the design, and undoing it.
+#include "core/text.h"
 #include "connectivity/bits.h"
 #include "design/prune.h"
 #include "events/events.h"
@@ -35,7 +36,7 @@ int exportPort(kalport* port, const std::string& path, const std::string* netArg
     kaldesign* design = inner ? inner->parentDesign : nullptr;
     kalcomponent* enclosing = design ? design->owner : nullptr;
     if (!enclosing) return 1;
-    const std::string topPortName = topNameFor(topName, inner, *port->getName());
+    const std::string topPortName = topNameFor(topName, inner, kaltext::orEmpty(port->getName()));
     kalnet* net = port->getNet();
     if (!net) net = design->getNet(&topPortName);
     if (!net) {
@@ -63,7 +64,7 @@ int exportPortbus(kalportbus* bus, const std::string& path, const std::string* n
     kaldesign* design = inner ? inner->parentDesign : nullptr;
     kalcomponent* enclosing = design ? design->owner : nullptr;
     if (!enclosing) return 1;
-    const std::string topPortName = topNameFor(topName, inner, *bus->getName());
+    const std::string topPortName = topNameFor(topName, inner, kaltext::orEmpty(bus->getName()));
     const unsigned int msb = bus->getMsb(), lsb = bus->getLsb();
     bool ready = true;
     if (!bus->getConnectedNetbus()) {
@@ -97,15 +98,16 @@ int unexportPort(kalport* port) {
     port->unexport();
     kalnet* net = port->getNet();
     if (net) net->disconnect(top, false);
-    const std::string topPortName = *top->getName();
+    const kaltext::copied topPortName(top->getName());
     // Pruning the net can destroy the port itself: on a net of its own
     // component's design it counts as a top port there.
-    const std::string portName = *port->getName();
+    const std::string portName = kaltext::orEmpty(port->getName());
     kalcomponent* topOwner = top->getComponent();
     const std::string topPath = topOwner ? kalpaths::portPath(top) : std::string();
     const std::string netPath =
-        net ? kalpaths::designPath(design ? design : net->getDesign(), topPortName) : std::string();
-    if (topOwner) topOwner->removePort(&topPortName);
+        net ? kalpaths::designPath(design ? design : net->getDesign(), kaltext::orEmpty(topPortName.get()))
+            : std::string();
+    if (topOwner) topOwner->removePort(topPortName.get());
     const bool netGone = !net || dropIfDangling(net);
     markChanged(enclosing);
     kalevents::emit("export", "rem", [&](kalevents::record& r) {
@@ -146,9 +148,9 @@ int unexportPortbus(kalportbus* bus) {
     kalcomponent* inner = bus->getComponent();
     kaldesign* design = inner ? inner->parentDesign : nullptr;
     kalcomponent* enclosing = design ? design->owner : nullptr;
-    const std::string topBusName = *topBus->getName();
+    const kaltext::copied topBusName(topBus->getName());
     const std::string netbusPath =
-        kalpaths::designPath(netbus->getDesign(), topBusName);  // before its bits go
+        kalpaths::designPath(netbus->getDesign(), kaltext::orEmpty(topBusName.get()));  // before its bits go
     const unsigned int width = kalbits::width(topBus->getMsb(), topBus->getLsb());
     bus->unexport();
     unsigned int removed = 0;
@@ -159,12 +161,13 @@ int unexportPortbus(kalportbus* bus) {
         if (dropIfDangling(net)) ++removed;
     }
     kalcomponent* topOwner = topBus->getComponent();
-    const std::string topPath = kalpaths::portPath(topOwner ? topOwner : enclosing, topBusName);
-    if (topOwner) topOwner->deletePortbus(&topBusName);
+    const std::string topPath =
+        kalpaths::portPath(topOwner ? topOwner : enclosing, kaltext::orEmpty(topBusName.get()));
+    if (topOwner) topOwner->deletePortbus(topBusName.get());
     markChanged(enclosing);
     kalevents::emit("export", "rem", [&](kalevents::record& r) {
         if (removed == width) r.set("netbus", netbusPath);
-        r.set("portbus", *bus->getName());
+        r.set("portbus", kaltext::orEmpty(bus->getName()));
         r.set("topportbus", topPath);
     });
     return 1;

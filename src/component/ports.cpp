@@ -2,6 +2,7 @@
 // removing, with the records that announce renames and removals.
 #include <memory>
 
+#include "core/text.h"
 #include "connectivity/access.h"
 #include "kalcomponent.h"
 #include "kalport.h"
@@ -150,7 +151,15 @@ int kalcomponent::changePortbusName(const std::string* oldName, const std::strin
     for (kalport* p : slots) {
         if (!p) continue;
         const std::string& bitName = names[next++];
-        data->ports.erase(*p->getName());
+        if (p->getName()) {
+            data->ports.erase(*p->getName());
+        } else {  // an empty port taken over as a bit: its key is all there is
+            for (auto at = data->ports.begin(); at != data->ports.end(); ++at)
+                if (at->second == p) {
+                    data->ports.erase(at);
+                    break;
+                }
+        }
         kalaccess::setName(p, &bitName);
         kalaccess::setSecondName(p, &bitName);
         data->ports.emplace(bitName, p);
@@ -170,8 +179,8 @@ int kalcomponent::removePort(const std::string* name) {
     kalport* port = it->second;
     const std::string path = kalpaths::portPath(port->getComponent(), portName);
     if (kalportbus* bus = port->getBus()) {
-        const std::string busName = *bus->getName();
-        removePortbus(&busName);
+        const kaltext::copied busName(bus->getName());
+        removePortbus(busName.get());
     }
     data->ports.erase(portName);
     delete port;
@@ -215,8 +224,8 @@ int kalcomponent::deletePortbus(const std::string* name) {
     for (kalport* bit : bus->getBits()) {
         if (!bit) continue;
         bit->unsetBus();
-        const std::string bitName = *bit->getName();
-        removePort(&bitName);
+        const kaltext::copied bitName(bit->getName());
+        removePort(bitName.get());
     }
     kalaccess::clearBits(bus);
     data->portbuses.erase(busName);

@@ -1,4 +1,5 @@
 // Dual ports and dual port buses.
+#include "core/text.h"
 #include "design/handedback.h"
 #include "kaldualport.h"
 
@@ -84,7 +85,7 @@ bool memberNameIs(const kalport* port, const std::string& wanted) {
         const std::string* name = c->identity->getAttributeValue(&nameKey);
         if (name) prefix = *name;
     }
-    return prefix + "/" + *port->getName() == wanted;
+    return prefix + "/" + kaltext::orEmpty(port->getName()) == wanted;
 }
 
 // ---- dual port <-> bus ----

@@ -21,6 +21,19 @@ inline const std::string& orEmpty(const std::string* s) {
     return s ? *s : empty;
 }
 
+// A copy of a name that may be missing (a port or bus made with a direction
+// outside 1..3 has none), passed on as the pointer the API takes: an operation
+// given a missing name does nothing. The copy outlives the name's owner.
+class copied {
+public:
+    explicit copied(const std::string* s) : given(s != nullptr), value(s ? *s : std::string()) {}
+    const std::string* get() const { return given ? &value : nullptr; }
+
+private:
+    bool given;
+    std::string value;
+};
+
 // Replaces an owned string; null changes nothing. The copy is made first, so
 // a value that is the field itself survives.
 inline void replace(std::string*& field, const std::string* value) {

@@ -1,5 +1,6 @@
 // Connection editing: attaching ports to existing nets and detaching them,
 // with the net pruned when it no longer joins a driver to a receiver.
+#include "core/text.h"
 #include "design/prune.h"
 #include "events/events.h"
 #include "events/paths.h"
@@ -35,7 +36,7 @@ bool kaldesign::disconnect(const std::string* netName, const std::string* portNa
     if (!port || !net->isConnectedTo(port)) return false;
     net->disconnect(port, true);
     if (port->getExportedTo() && port->getComponent())
-        port->getComponent()->removeExport(*port->getName(), false);
+        port->getComponent()->removeExport(kaltext::orEmpty(port->getName()), false);
     if (kalprune::shouldPrune(net)) {
         const std::string name = *netName;
         removeNet(&name);

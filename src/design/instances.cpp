@@ -2,6 +2,7 @@
 // their point, destroying the instance and reporting it.
 #include <set>
 
+#include "core/text.h"
 #include "design/instanceorder.h"
 #include "design/nameindex.h"
 #include "design/prune.h"
@@ -33,7 +34,7 @@ bool kaldesign::removeInstance(const std::string* name) {
     for (kalport* port : ports) {
         if (reworked && !remaining.count(port)) continue;
         if (port->getExportedTo()) {
-            instance->removeExport(*port->getName(), false);
+            instance->removeExport(kaltext::orEmpty(port->getName()), false);
             remaining.clear();
             for (auto& entry : instance->data->ports)
                 remaining.insert(entry.second);

@@ -1,6 +1,7 @@
 // Net and net bus editing: renames, range changes and removals.
 #include <memory>
 
+#include "core/text.h"
 #include "connectivity/access.h"
 #include "connectivity/roles.h"
 #include "connectivity/bits.h"
@@ -59,8 +60,8 @@ bool kaldesign::changeNetName(const std::string* oldName, const std::string* new
     kalaccess::setSecondName(net, &to);
     kalport* top = kalroles::firstTopPort(net);
     if (top && top->getComponent()) {
-        const std::string portName = *top->getName();
-        top->getComponent()->changePortName(&portName, &to);
+        const kaltext::copied portName(top->getName());
+        top->getComponent()->changePortName(portName.get(), &to);
     }
     sendRename("net", net->getDesign(), from, to);
     return true;
@@ -112,8 +113,8 @@ bool kaldesign::changeNetbusName(const std::string* oldName, const std::string* 
     if (!top) return false;  // the rename stays; no port bus to follow it
     kalportbus* portbus = top->getBus();
     if (portbus && top->getComponent()) {
-        const std::string busName = *portbus->getName();
-        top->getComponent()->changePortbusName(&busName, &to);
+        const kaltext::copied busName(portbus->getName());
+        top->getComponent()->changePortbusName(busName.get(), &to);
     }
     sendRename("netbus", bus->getDesign(), from, to);
     return true;
@@ -162,8 +163,8 @@ bool kaldesign::removeNet(const std::string* name) {
         if (c && c->parentDesign == net->getDesign()) {
             port->unexport();
         } else if (c) {
-            const std::string portName = *port->getName();
-            c->removePort(&portName);
+            const kaltext::copied portName(port->getName());
+            c->removePort(portName.get());
         }
     }
     kalevents::emit("net", "rem", "net", kalpaths::designPath(net->getDesign(), netName));
