@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The API fuzzer. It decodes its input into a sequence of operations on a
 // small block design, runs them through the public interface, and after each
 // one asks the model checker for broken links. AddressSanitizer and
@@ -199,14 +200,8 @@ public:
             kalrecorder::clear();
             check("operation");
         }
-        // release() frees the file sets and generators the live tree leaves behind, not the catalogue groups.
-        std::vector<kalelementgroup*> groups;
-        for (kalcomponent* c : liveComponents())
-            for (kalelementgroup* g : catalogueGroups(c))
-                groups.push_back(g);
+        // release() frees what the live tree leaves behind: file sets, generators, catalogue groups.
         release(top);
-        for (kalelementgroup* g : groups)
-            delete g;
         ledger.clear();
         kalrecorder::setNullObjects(false);
         kalrecorder::clear();

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Name/value store carried by every named object of the model.
 #ifndef KALDATA_KALATTRIBUTES_H
 #define KALDATA_KALATTRIBUTES_H
@@ -7,33 +8,34 @@
 
 #include "kalexport.h"
 
-class KALDATA_API kalattributes {
+class kalattributes {
 private:
     // The value map and the vendor map, made together on the first write.
     struct maps;
     maps* values;
 
 public:
-    kalattributes();
-    kalattributes(const kalattributes& other);
-    ~kalattributes();
+    KALDATA_API kalattributes();
+    KALDATA_API kalattributes(const kalattributes& other);
+    KALDATA_API ~kalattributes();
 
-    int hasAttribute(const std::string* name);
-    const std::string* getAttributeValue(const std::string* name);
+    KALDATA_API int hasAttribute(const std::string* name);
+    KALDATA_API const std::string* getAttributeValue(const std::string* name);
     // Returns the attribute's value, not its vendor tag (kept for compatibility).
-    const std::string* getAttributeVendor(const std::string* name);
-    const std::string* getVendor();
-    const std::string* getLibrary();
-    const std::string* getName();
-    const std::string* getVersion();
-    void setAttribute(const std::string* name, const std::string* value, const std::string* vendor);
-    void setAttributeValue(const std::string* name, const std::string* value);
-    void removeAttribute(const std::string* name);
-    void removeAllAttributes();
-    void copyAttributesFrom(const kalattributes& other);
+    KALDATA_API const std::string* getAttributeVendor(const std::string* name);
+    KALDATA_API const std::string* getVendor();
+    KALDATA_API const std::string* getLibrary();
+    KALDATA_API const std::string* getName();
+    KALDATA_API const std::string* getVersion();
+    KALDATA_API void setAttribute(const std::string* name, const std::string* value,
+                                  const std::string* vendor);
+    KALDATA_API void setAttributeValue(const std::string* name, const std::string* value);
+    KALDATA_API void removeAttribute(const std::string* name);
+    KALDATA_API void removeAllAttributes();
+    KALDATA_API void copyAttributesFrom(const kalattributes& other);
 
-    std::map<std::string, std::string> getValueMap() const;
-    std::map<std::string, std::string> getVendorMap() const;
+    KALDATA_API std::map<std::string, std::string> getValueMap() const;
+    KALDATA_API std::map<std::string, std::string> getVendorMap() const;
 };
 
 #endif

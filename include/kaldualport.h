@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Dual ports (several ports merged into one) and dual port buses.
 #ifndef KALDATA_KALDUALPORT_H
 #define KALDATA_KALDUALPORT_H
@@ -14,7 +15,7 @@ class kalnet;
 class kaldualportbus;
 struct kalaccess;
 
-class KALDATA_API kaldualport : public kalattributes {
+class kaldualport : public kalattributes {
 private:
     std::string name;
     kaldesign* design;
@@ -22,31 +23,31 @@ private:
     std::vector<kalport*> ports;
 
 public:
-    kaldualport(const std::string& name);
-    std::vector<kalport*> getPortList() const;
-    bool addPort(kalport* port);
-    bool addPort(std::vector<kalport*> ports);
-    kalport* removePort(const std::string& hierarchicalName);
-    int direction() const;
-    kalnet* getConnectedNet() const;
-    kalport* getConnectedPort() const;
-    bool isConnected() const;
-    kalport* getExportedTo() const;
-    unsigned int getPortsCount() const;
-    void setBus(kaldualportbus* bus);
-    void unsetBus();
-    ~kaldualport();
+    KALDATA_API kaldualport(const std::string& name);
+    KALDATA_API std::vector<kalport*> getPortList() const;
+    KALDATA_API bool addPort(kalport* port);
+    KALDATA_API bool addPort(std::vector<kalport*> ports);
+    KALDATA_API kalport* removePort(const std::string& hierarchicalName);
+    KALDATA_API int direction() const;
+    KALDATA_API kalnet* getConnectedNet() const;
+    KALDATA_API kalport* getConnectedPort() const;
+    KALDATA_API bool isConnected() const;
+    KALDATA_API kalport* getExportedTo() const;
+    KALDATA_API unsigned int getPortsCount() const;
+    KALDATA_API void setBus(kaldualportbus* bus);
+    KALDATA_API void unsetBus();
+    KALDATA_API ~kaldualport();
 
-    const std::string& getName() const;
-    kaldesign* getDesign() const;
-    kaldualportbus* getBus() const;
-    void setDesign(kaldesign* design);
+    KALDATA_API const std::string& getName() const;
+    KALDATA_API kaldesign* getDesign() const;
+    KALDATA_API kaldualportbus* getBus() const;
 
 private:
     friend struct kalaccess;
+    void setDesign(kaldesign* design);
 };
 
-class KALDATA_API kaldualportbus : public kalattributes {
+class kaldualportbus : public kalattributes {
 private:
     std::string name;
     kaldesign* design;
@@ -55,26 +56,29 @@ private:
     unsigned int lsb;
 
 public:
-    kaldualportbus(const std::string& name, unsigned int msb, unsigned int lsb);
-    static kaldualportbus* createDualPortBus(std::string name, unsigned int msb, unsigned int lsb,
-                                             std::vector<kaldualport*> dualPorts);
-    unsigned int getDualPortsCount() const;
-    void connect(unsigned int index, kaldualport* dualPort);
-    void disconnect(unsigned int index);
-    void disconnect(kaldualport* dualPort);
-    int direction() const;
-    void setAttribute(const std::string* name, const std::string* value, const std::string* vendor,
-                      bool propagate);
-    void setAttributeValue(const std::string* name, const std::string* value, bool propagate);
-    void removeAttribute(const std::string* name, bool propagate);
-    void removeAllAttributes(bool propagate);
-    ~kaldualportbus();
+    KALDATA_API kaldualportbus(const std::string& name, unsigned int msb, unsigned int lsb);
+    KALDATA_API static kaldualportbus* createDualPortBus(std::string name, unsigned int msb, unsigned int lsb,
+                                                         std::vector<kaldualport*> dualPorts);
+    KALDATA_API unsigned int getDualPortsCount() const;
+    KALDATA_API void connect(unsigned int index, kaldualport* dualPort);
+    KALDATA_API void disconnect(unsigned int index);
+    KALDATA_API void disconnect(kaldualport* dualPort);
+    KALDATA_API int direction() const;
+    KALDATA_API void setAttribute(const std::string* name, const std::string* value,
+                                  const std::string* vendor, bool propagate);
+    KALDATA_API void setAttributeValue(const std::string* name, const std::string* value, bool propagate);
+    KALDATA_API void removeAttribute(const std::string* name, bool propagate);
+    KALDATA_API void removeAllAttributes(bool propagate);
+    KALDATA_API ~kaldualportbus();
 
-    const std::string& getName() const;
-    kaldesign* getDesign() const;
-    std::vector<kaldualport*> getSlots() const;
-    unsigned int getMsb() const;
-    unsigned int getLsb() const;
+    KALDATA_API const std::string& getName() const;
+    KALDATA_API kaldesign* getDesign() const;
+    KALDATA_API std::vector<kaldualport*> getSlots() const;
+    KALDATA_API unsigned int getMsb() const;
+    KALDATA_API unsigned int getLsb() const;
+
+private:
+    friend struct kalaccess;
     void setDesign(kaldesign* design);
 };
 

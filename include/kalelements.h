@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The element catalogue: named elements in categorised, nestable groups.
 #ifndef KALDATA_KALELEMENTS_H
 #define KALDATA_KALELEMENTS_H
@@ -12,24 +13,28 @@
 class kalcomponent;
 class kalelements;
 
-class KALDATA_API kalelement : public kalattributes {
+class kalelement : public kalattributes {
 private:
     kalelements* catalogue;
     std::string* name;
 
 public:
-    kalelement(const std::string* name);
-    bool operator==(kalelement& other);
-    bool operator!=(kalelement& other);
-    std::string* hierarchicalName();
-    ~kalelement();
+    KALDATA_API kalelement(const std::string* name);
+    KALDATA_API bool operator==(kalelement& other);
+    KALDATA_API bool operator!=(kalelement& other);
+    KALDATA_API std::string* hierarchicalName();
+    KALDATA_API ~kalelement();
 
-    kalelements* getCatalogue() const;
-    const std::string* getName() const;
+    KALDATA_API kalelements* getCatalogue() const;
+    KALDATA_API const std::string* getName() const;
+
+private:
+    // The catalogue link is the catalogue's to set.
+    friend class kalelements;
     void setCatalogue(kalelements* catalogue);
 };
 
-class KALDATA_API kalelementgroup : public kalattributes {
+class kalelementgroup : public kalattributes {
 private:
     kalelements* catalogue;
     unsigned int category;
@@ -38,66 +43,74 @@ private:
     std::map<std::string, kalelementgroup*> subgroups;
 
 public:
-    kalelementgroup(unsigned int category, const std::string* name);
-    void addElement(kalelement* element);
-    void addGroup(kalelementgroup* group);
-    bool hasElement(const std::string* name);
-    bool hasGroup(const std::string* name);
-    std::map<std::string, kalelement*>* getElementList();
-    void removeElement(const std::string* name);
-    void removeGroup(const std::string* name);
-    ~kalelementgroup();
+    KALDATA_API kalelementgroup(unsigned int category, const std::string* name);
+    KALDATA_API void addElement(kalelement* element);
+    KALDATA_API void addGroup(kalelementgroup* group);
+    KALDATA_API bool hasElement(const std::string* name);
+    KALDATA_API bool hasGroup(const std::string* name);
+    KALDATA_API std::map<std::string, kalelement*>* getElementList();
+    KALDATA_API void removeElement(const std::string* name);
+    KALDATA_API void removeGroup(const std::string* name);
+    KALDATA_API ~kalelementgroup();
 
-    kalelements* getCatalogue() const;
-    unsigned int getCategory() const;
-    const std::string* getName() const;
-    std::map<std::string, kalelement*> getElementMap() const;
-    std::map<std::string, kalelementgroup*> getSubgroupMap() const;
+    KALDATA_API kalelements* getCatalogue() const;
+    KALDATA_API unsigned int getCategory() const;
+    KALDATA_API const std::string* getName() const;
+    KALDATA_API std::map<std::string, kalelement*> getElementMap() const;
+    KALDATA_API std::map<std::string, kalelementgroup*> getSubgroupMap() const;
+
+private:
+    friend class kalelements;
     void setCatalogue(kalelements* catalogue);
 };
 
-class KALDATA_API kalelements {
+class kalelements {
 private:
     kalcomponent* owner;
     std::map<std::string, kalelementgroup*> groups;
     std::map<std::string, kalelement*> elements;
 
 public:
-    kalelements();
-    void createGroup(unsigned int category, const std::string* type, const std::string* name, bool hide);
-    kalelement* addElement(const std::string* type, const std::string* name, bool hide);
-    void addElementToGroup(const kalelement* element, const std::string* groupName);
-    bool hasGroup(const std::string* name);
-    kalelementgroup* getGroup(const std::string* name);
-    unsigned int getGroupCategory(const std::string* name);
-    bool hasElement(const std::string* name);
-    bool hasElement(const std::string* name, std::map<std::string, kalelement*>* list);
-    bool hasElement(const std::string* name, const std::string* groupName);
-    kalelement* getElement(const std::string* name);
-    std::map<std::string, kalelement*>* getElementList(const std::string* groupName);
-    unsigned int elementCount(const std::string* groupName);
-    std::vector<std::string>* getGroupNames();
-    std::vector<std::string>* getGroupNames(unsigned int category);
-    std::vector<std::string>* getGroupNames(unsigned int category, const std::string* elementName);
-    void setGroupHideAttribute(const std::string* name, bool flag);
-    void setGroupDragAttribute(const std::string* name, bool flag);
-    bool getGroupHideAttribute(const std::string* name);
-    bool getGroupDragAttribute(const std::string* name);
-    void setElementHideAttribute(const std::string* name, bool flag);
-    void setElementDragAttribute(const std::string* name, bool flag);
-    bool getElementHideAttribute(const std::string* name);
-    bool getElementDragAttribute(const std::string* name);
-    void removeElementFromGroup(const std::string* groupName, const std::string* elementName);
-    void removeElementFromAllGroups(const std::string* name);
-    void removeElement(const std::string* name);
-    void removeGroup(const std::string* name);
-    int getBridgeDDRDLLName(std::string& out);
-    int getEclkBridgeCSName(std::string& out);
-    ~kalelements();
+    KALDATA_API kalelements();
+    KALDATA_API void createGroup(unsigned int category, const std::string* type, const std::string* name,
+                                 bool hide);
+    KALDATA_API kalelement* addElement(const std::string* type, const std::string* name, bool hide);
+    KALDATA_API void addElementToGroup(const kalelement* element, const std::string* groupName);
+    KALDATA_API bool hasGroup(const std::string* name);
+    KALDATA_API kalelementgroup* getGroup(const std::string* name);
+    KALDATA_API unsigned int getGroupCategory(const std::string* name);
+    KALDATA_API bool hasElement(const std::string* name);
+    KALDATA_API bool hasElement(const std::string* name, std::map<std::string, kalelement*>* list);
+    KALDATA_API bool hasElement(const std::string* name, const std::string* groupName);
+    KALDATA_API kalelement* getElement(const std::string* name);
+    KALDATA_API std::map<std::string, kalelement*>* getElementList(const std::string* groupName);
+    KALDATA_API unsigned int elementCount(const std::string* groupName);
+    KALDATA_API std::vector<std::string>* getGroupNames();
+    KALDATA_API std::vector<std::string>* getGroupNames(unsigned int category);
+    KALDATA_API std::vector<std::string>* getGroupNames(unsigned int category,
+                                                        const std::string* elementName);
+    KALDATA_API void setGroupHideAttribute(const std::string* name, bool flag);
+    KALDATA_API void setGroupDragAttribute(const std::string* name, bool flag);
+    KALDATA_API bool getGroupHideAttribute(const std::string* name);
+    KALDATA_API bool getGroupDragAttribute(const std::string* name);
+    KALDATA_API void setElementHideAttribute(const std::string* name, bool flag);
+    KALDATA_API void setElementDragAttribute(const std::string* name, bool flag);
+    KALDATA_API bool getElementHideAttribute(const std::string* name);
+    KALDATA_API bool getElementDragAttribute(const std::string* name);
+    KALDATA_API void removeElementFromGroup(const std::string* groupName, const std::string* elementName);
+    KALDATA_API void removeElementFromAllGroups(const std::string* name);
+    KALDATA_API void removeElement(const std::string* name);
+    KALDATA_API void removeGroup(const std::string* name);
+    KALDATA_API int getBridgeDDRDLLName(std::string& out);
+    KALDATA_API int getEclkBridgeCSName(std::string& out);
+    KALDATA_API ~kalelements();
 
-    kalcomponent* getOwner() const;
-    std::map<std::string, kalelementgroup*> getGroupMap() const;
-    std::map<std::string, kalelement*> getElementMap() const;
+    KALDATA_API kalcomponent* getOwner() const;
+    KALDATA_API std::map<std::string, kalelementgroup*> getGroupMap() const;
+    KALDATA_API std::map<std::string, kalelement*> getElementMap() const;
+
+private:
+    friend class kalcomponent;
     void setOwner(kalcomponent* owner);
 };
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Files and the file sets that own them.
 #ifndef KALDATA_KALFILE_H
 #define KALDATA_KALFILE_H
@@ -10,24 +11,24 @@
 
 class kalcomponent;
 
-class KALDATA_API kalfile : public kalattributes {
+class kalfile : public kalattributes {
 private:
     std::string* name;
     std::string* secondField;
     std::string* thirdField;
 
 public:
-    kalfile(const std::string* name, const std::string* second, const std::string* third);
-    bool operator==(const kalfile& other) const;
-    bool operator!=(const kalfile& other) const;
-    ~kalfile();
+    KALDATA_API kalfile(const std::string* name, const std::string* second, const std::string* third);
+    KALDATA_API bool operator==(const kalfile& other) const;
+    KALDATA_API bool operator!=(const kalfile& other) const;
+    KALDATA_API ~kalfile();
 
-    const std::string* getName() const;
-    const std::string* getSecondField() const;
-    const std::string* getThirdField() const;
+    KALDATA_API const std::string* getName() const;
+    KALDATA_API const std::string* getSecondField() const;
+    KALDATA_API const std::string* getThirdField() const;
 };
 
-class KALDATA_API kalfileset : public kalattributes {
+class kalfileset : public kalattributes {
 private:
     kalcomponent* owner;
     std::string* name;
@@ -37,16 +38,19 @@ private:
     std::vector<kalfile*>* files;
 
 public:
-    kalfileset(const std::string* name, const std::string* second, const std::string* third);
+    KALDATA_API kalfileset(const std::string* name, const std::string* second, const std::string* third);
     // Owns the file from now on; adding one file twice makes the set free it twice.
-    void addFile(const std::string* key, kalfile* file);
-    ~kalfileset();
+    KALDATA_API void addFile(const std::string* key, kalfile* file);
+    KALDATA_API ~kalfileset();
 
-    kalcomponent* getOwner() const;
-    const std::string* getName() const;
-    const std::string* getSecondField() const;
-    const std::string* getThirdField() const;
-    std::vector<kalfile*> getFiles() const;
+    KALDATA_API kalcomponent* getOwner() const;
+    KALDATA_API const std::string* getName() const;
+    KALDATA_API const std::string* getSecondField() const;
+    KALDATA_API const std::string* getThirdField() const;
+    KALDATA_API std::vector<kalfile*> getFiles() const;
+
+private:
+    friend class kalcomponent;
     void setOwner(kalcomponent* owner);
 };
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // An LPC value record of a component.
 #ifndef KALDATA_KALLPC_H
 #define KALDATA_KALLPC_H
@@ -7,14 +8,14 @@
 #include "kalattributes.h"
 #include "kalexport.h"
 
-class KALDATA_API kallpc : public kalattributes {
+class kallpc : public kalattributes {
 private:
     std::string value;
 
 public:
-    kallpc(std::string value);
+    KALDATA_API kallpc(std::string value);
 
-    const std::string& getValue() const;
+    KALDATA_API const std::string& getValue() const;
 };
 
 #endif

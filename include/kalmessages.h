@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The project's message queue: typed text messages in order of addition.
 #ifndef KALDATA_KALMESSAGES_H
 #define KALDATA_KALMESSAGES_H
@@ -7,31 +8,31 @@
 
 #include "kalexport.h"
 
-class KALDATA_API kalmessage {
+class kalmessage {
 private:
     unsigned int type;
     std::string* text;
 
 public:
-    kalmessage(unsigned int type, const char* text);
-    ~kalmessage();
+    KALDATA_API kalmessage(unsigned int type, const char* text);
+    KALDATA_API ~kalmessage();
 
-    unsigned int getType() const;
-    const std::string* getText() const;
+    KALDATA_API unsigned int getType() const;
+    KALDATA_API const std::string* getText() const;
 };
 
-class KALDATA_API kalmessages {
+class kalmessages {
 private:
     std::vector<kalmessage*>* messages;
 
 public:
-    kalmessages();
-    void addMessage(unsigned int type, const char* text);
-    unsigned int messageCount(unsigned int type);
-    void clearMessageQueue();
-    ~kalmessages();
+    KALDATA_API kalmessages();
+    KALDATA_API void addMessage(unsigned int type, const char* text);
+    KALDATA_API unsigned int messageCount(unsigned int type);
+    KALDATA_API void clearMessageQueue();
+    KALDATA_API ~kalmessages();
 
-    std::vector<kalmessage*> getMessages() const;
+    KALDATA_API std::vector<kalmessage*> getMessages() const;
 };
 
 #endif

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A named component parameter with a replaceable value.
 #ifndef KALDATA_KALPARAMETER_H
 #define KALDATA_KALPARAMETER_H
@@ -7,7 +8,7 @@
 #include "kalattributes.h"
 #include "kalexport.h"
 
-class KALDATA_API kalparameter : public kalattributes {
+class kalparameter : public kalattributes {
 private:
     std::string* name;
     std::string* secondField;
@@ -15,15 +16,15 @@ private:
     std::string* value;
 
 public:
-    kalparameter(const std::string* name, const std::string* second, const std::string* value,
-                 const std::string* fourth);
-    void setValue(const std::string* value);
-    ~kalparameter();
+    KALDATA_API kalparameter(const std::string* name, const std::string* second, const std::string* value,
+                             const std::string* fourth);
+    KALDATA_API void setValue(const std::string* value);
+    KALDATA_API ~kalparameter();
 
-    const std::string* getName() const;
-    const std::string* getSecondField() const;
-    const std::string* getFourthField() const;
-    const std::string* getValue() const;
+    KALDATA_API const std::string* getName() const;
+    KALDATA_API const std::string* getSecondField() const;
+    KALDATA_API const std::string* getFourthField() const;
+    KALDATA_API const std::string* getValue() const;
 };
 
 #endif

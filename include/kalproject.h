@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The project singleton: a blackboard of client-defined settings and the
 // project's message queue. The library never reads these members itself.
 #ifndef KALDATA_KALPROJECT_H
@@ -12,9 +13,9 @@
 
 class kalmessages;
 
-class KALDATA_API kalproject {
+class kalproject {
 public:
-    static kalproject* m_inst;
+    KALDATA_API static kalproject* m_inst;
 
     void* projectWord1;
     kalmessages* messageQueue;
@@ -37,10 +38,10 @@ public:
     std::map<int, std::string> numberedTable2;
     std::map<int, std::string> numberedTable3;
 
-    static kalproject* getInstance();
-    static void destoryInstance();
-    kalproject();
-    ~kalproject();
+    KALDATA_API static kalproject* getInstance();
+    KALDATA_API static void destoryInstance();
+    KALDATA_API kalproject();
+    KALDATA_API ~kalproject();
 };
 
 #endif

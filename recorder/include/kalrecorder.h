@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // kaldata-recorder: an implementation of the vorn::event service that records
 // every call, for tests, demos and benchmarks. Link it instead of the
 // platform's event library.

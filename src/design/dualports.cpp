@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Dual port management: merging ports into dual ports and dual port buses,
 // splitting them again, and removing them. A design that no component holds
 // changes its maps but announces nothing.
@@ -11,6 +12,8 @@
 #include "kaldualport.h"
 #include "kalnet.h"
 #include "kalport.h"
+
+#include "connectivity/access.h"
 
 namespace {
 
@@ -49,7 +52,7 @@ kaldualportbus* kaldesign::getDualPortbus(const std::string& name) {
 void kaldesign::insertDualPort(const std::string& name, kaldualport* dualPort) {
     auto* map = data->getDualPortMap();
     if (name.empty() || !dualPort || map->count(name)) return;
-    dualPort->setDesign(this);
+    kalaccess::setDesign(dualPort, this);
     map->emplace(name, dualPort);
     announce(this, "dualpin", "add", "dualpin", kalpaths::dualPortPath(this, name));
 }
@@ -62,7 +65,7 @@ void addToDualPort(kaldesign* d, const std::string& name, Add add) {
     if (it == map->end()) {
         auto* dp = new kaldualport(name);
         add(dp);
-        dp->setDesign(d);
+        kalaccess::setDesign(dp, d);
         map->emplace(name, dp);
     } else {
         add(it->second);
@@ -86,7 +89,7 @@ bool kaldesign::insertDualPortBus(const std::string& name, kaldualportbus* bus) 
     auto* map = data->getDualPortbusMap();
     if (name.empty() || !bus) return false;
     if (!map->empty() && map->count(name)) return false;
-    bus->setDesign(this);
+    kalaccess::setDesign(bus, this);
     map->emplace(name, bus);
     announce(this, "dualpinbus", "add", "dualpinbus", name);
     return true;

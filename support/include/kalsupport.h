@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // kaldata-support: what every application of libkaldata needs beside the
 // model itself. A component never frees the objects that its caller made for it
 // (file sets, generator registry and generators), so tearing down a tree is a
