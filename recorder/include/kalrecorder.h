@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
-// kaldata-recorder: an implementation of the vorn::event service that records
-// every call, for tests, demos and benchmarks. Link it instead of the
-// platform's event library.
+/// @file kalrecorder.h
+/// @brief kaldata-recorder: an implementation of the vorn::event service that
+/// records every call, for tests, demos and benchmarks. Link it
+/// (`kaldata::recorder`, pkg-config `kaldata-recorder`) instead of the
+/// platform's event library; it is not thread-safe.
 #ifndef KALDATA_KALRECORDER_H
 #define KALDATA_KALRECORDER_H
 
@@ -16,15 +18,18 @@
 #define KALRECORDER_API
 #endif
 
+/// The recording event service.
 namespace kalrecorder {
 
+/// @brief One event object as the library filled it.
 struct record {
-    std::string category;
-    std::string action;
-    std::string source;
-    std::string fourth;
-    std::vector<std::pair<std::string, std::string>> data;  // in the order setData was called
-    bool sent = false;
+    std::string category;  ///< First argument of createObject ("net", "port", ...).
+    std::string action;    ///< Second argument ("add", "rem", "rnm", ...).
+    std::string source;    ///< Third argument.
+    std::string fourth;    ///< Fourth argument.
+    std::vector<std::pair<std::string, std::string>>
+        data;           ///< Key/value pairs, in the order setData was called.
+    bool sent = false;  ///< Whether sendEvent was called for it.
 };
 
 // Records that were sent, in the order of sendEvent.
