@@ -12,6 +12,7 @@
 #include <utility>
 #include <vector>
 
+/// Marks the recorder's exported functions.
 #if defined(__GNUC__) || defined(__clang__)
 #define KALRECORDER_API __attribute__((visibility("default")))
 #else
@@ -32,23 +33,23 @@ struct record {
     bool sent = false;  ///< Whether sendEvent was called for it.
 };
 
-// Records that were sent, in the order of sendEvent.
+/// Records that were sent, in the order of sendEvent.
 KALRECORDER_API std::vector<record> sent();
-// Every object created so far (sent or not), in the order of createObject.
+/// Every object created so far (sent or not), in the order of createObject.
 KALRECORDER_API std::vector<record> created();
-// Number of createObject calls, including those answered with null.
+/// Number of createObject calls, including those answered with null.
 KALRECORDER_API std::size_t createCalls();
-// Frees every recorded object and resets the counters.
+/// Frees every recorded object and resets the counters.
 KALRECORDER_API void clear();
-// When true, createObject answers null (the caller must then drop the record).
+/// When true, createObject answers null (the caller must then drop the record).
 KALRECORDER_API void setNullObjects(bool on);
-// When false, objects are handed out and filled but not kept after sendEvent
-// (for long benchmark runs); sent() then stays empty.
+/// When false, objects are handed out and filled but not kept after sendEvent
+/// (for long benchmark runs); sent() then stays empty.
 KALRECORDER_API void setKeepRecords(bool on);
-// One line: "category/action key=value key=value ..."; a record that was not
-// sent is marked with a trailing " (unsent)".
+/// One line: "category/action key=value key=value ..."; a record that was not
+/// sent is marked with a trailing " (unsent)".
 KALRECORDER_API std::string format(const record& r);
-// format() of every sent record, in order.
+/// format() of every sent record, in order.
 KALRECORDER_API std::vector<std::string> lines();
 
 }  // namespace kalrecorder
