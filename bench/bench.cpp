@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Single-operation benchmarks. The design model: a root component "top" with
 // N instances of a 16-port block (clk, seven inputs, eight outputs), one net
 // per output, each input on a pseudo-random other instance's output net, and

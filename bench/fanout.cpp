@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Hot single operations against one net of fanout F, with complexity fits, so
 // that a regression shows up as a changed complexity: a top port drives net
 // "fan" with F instance loads u0..u(F-1), each a block with input "a".

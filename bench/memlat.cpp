@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The machine's latency of dependent random memory reads over a working set of
 // a given size: one pointer chase through a random cycle of 64-byte lines.
 // W1's random wiring and lookups are chains of such reads, so their cost per

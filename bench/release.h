@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Destroys a benchmark's root component and then the generator registries
 // that neither it nor its instances free.
 #ifndef KALDATA_BENCH_RELEASE_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // W1, "SoC build and edit": builds a top block with N instances of four block
 // types, wires them (a fanout-N clock net and pseudo-random inputs), renames
 // N/10 nets, removes N/10 instances and tears everything down, through the

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The W1 "SoC build and edit" model, phase by phase, so that the benchmark can
 // time each phase and tests of the companion libraries can build the same
 // design. Every phase goes through the public API only and exits the process

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A walk through a small block design with libkaldata. The recording event
 // service stands in for the application platform; every record the library
 // sends is printed under the step that caused it.
@@ -8,6 +9,7 @@
 
 #include "kaldata.h"
 #include "kalrecorder.h"
+#include "kalsupport.h"
 
 namespace {
 
@@ -91,20 +93,18 @@ int main() {
     step("split u2/clk out of dp0 (a dual port never survives with one port)");
     std::printf("   dp0 after the split: %s\n", rtl->getDualPort("dp0") ? "still there" : "dissolved");
 
-    kalcomponent* u2 = rtl->getInstance(S("u2"));
-    delete u2->data->generators;  // a component never frees its generator registry
-    u2->data->generators = nullptr;
+    // removeInstance destroys the instance, but not what it leaves to its
+    // caller (its generator registry, say): free that first.
+    kalsupport::releaseLeftovers(rtl->getInstance(S("u2")));
     rtl->removeInstance(S("u2"));
     step("remove instance u2: its export goes, nets that lose their point are pruned");
 
-    // Teardown: what a component leaves to its caller is freed here.
-    std::vector<kalgenerators*> registries{top->data->generators, sub->data->generators,
-                                           core->data->generators};
-    for (auto& i : *rtl->data->getInstanceMap())
-        if (i.second != sub) registries.push_back(i.second->data->generators);
-    delete top;
-    for (auto* r : registries)
-        delete r;
+    // Check the model link by link, then tear it down: release destroys top
+    // with everything below it, and frees what the components leave to their
+    // caller (generator registries, file sets, LPC records, catalogue groups).
+    const std::vector<std::string> problems = kalsupport::checkModel(top);
+    std::printf("model check: %zu problems\n", problems.size());
+    kalsupport::release(top);
     step("teardown sends nothing");
     kalproject::destoryInstance();
     return 0;

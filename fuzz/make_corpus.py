@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: Apache-2.0
 """Writes the seed inputs of the API fuzzer into fuzz/corpus.
 
 Each seed is a short scenario written with the helpers below, which encode

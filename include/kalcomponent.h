@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A block: identity, ports, parameters, files, catalogue, generators and the
 // designs that make up its inside.
 #ifndef KALDATA_KALCOMPONENT_H
@@ -21,10 +22,11 @@ class kalelements;
 class kalgenerator;
 class kalgenerators;
 class kalcomponentdata;
+struct kalaccess;
 struct kalhandedback;
 struct kalhandback;
 
-class KALDATA_API kalcomponent {
+class kalcomponent {
 public:
     kalattributes* identity;
 
@@ -40,81 +42,91 @@ private:
     int clockSourceState;
 
 public:
-    kalcomponent(const std::string* vendor, const std::string* library, const std::string* name,
-                 const std::string* version);
-    void setVendor(const std::string* value);
-    void setLibrary(const std::string* value);
-    void setName(const std::string* value);
-    void setVersion(const std::string* value);
-    ~kalcomponent();
+    KALDATA_API kalcomponent(const std::string* vendor, const std::string* library, const std::string* name,
+                             const std::string* version);
+    KALDATA_API void setVendor(const std::string* value);
+    KALDATA_API void setLibrary(const std::string* value);
+    KALDATA_API void setName(const std::string* value);
+    KALDATA_API void setVersion(const std::string* value);
+    KALDATA_API ~kalcomponent();
 
-    const std::string* getAttributeValue(const std::string* name) const;
-    const std::string* getAttributeVendor(const std::string* name) const;
-    void setAttribute(const std::string* name, const std::string* value, const std::string* vendor);
-    void setAttributeValue(const std::string* name, const std::string* value);
-    void removeAttribute(const std::string* name);
-    void removeAllAttributes();
+    KALDATA_API const std::string* getAttributeValue(const std::string* name) const;
+    KALDATA_API const std::string* getAttributeVendor(const std::string* name) const;
+    KALDATA_API void setAttribute(const std::string* name, const std::string* value,
+                                  const std::string* vendor);
+    KALDATA_API void setAttributeValue(const std::string* name, const std::string* value);
+    KALDATA_API void removeAttribute(const std::string* name);
+    KALDATA_API void removeAllAttributes();
 
-    int addParameter(const std::string* name, kalparameter* parameter);
-    kalparameter* getParameter(const std::string* name);
-    int removeParameter(const std::string* name);
+    KALDATA_API int addParameter(const std::string* name, kalparameter* parameter);
+    KALDATA_API kalparameter* getParameter(const std::string* name);
+    KALDATA_API int removeParameter(const std::string* name);
 
-    int createDesign(const std::string* vendor, const std::string* library, const std::string* name,
-                     const std::string* version);
-    int deleteDesign(const std::string* name);
-    kaldesign* getDesign(std::string* name);
+    KALDATA_API int createDesign(const std::string* vendor, const std::string* library,
+                                 const std::string* name, const std::string* version);
+    KALDATA_API int deleteDesign(const std::string* name);
+    KALDATA_API kaldesign* getDesign(std::string* name);
 
-    int addNet(const std::string* name, const std::string* secondName, const std::string* type,
-               const std::string* text);
-    int removeNet(const std::string* name);
-    int addNetbus(const std::string* name, const std::string* type, const std::string* secondName,
-                  unsigned int msb, unsigned int lsb, const std::string* text);
-    int removeNetbus(const std::string* name);
-    bool connect(const std::string* netName, const std::string* portName, const std::string* instanceName);
-    bool disconnect(const std::string* netName, const std::string* portName, const std::string* instanceName);
+    KALDATA_API int addNet(const std::string* name, const std::string* secondName, const std::string* type,
+                           const std::string* text);
+    KALDATA_API int removeNet(const std::string* name);
+    KALDATA_API int addNetbus(const std::string* name, const std::string* type, const std::string* secondName,
+                              unsigned int msb, unsigned int lsb, const std::string* text);
+    KALDATA_API int removeNetbus(const std::string* name);
+    KALDATA_API bool connect(const std::string* netName, const std::string* portName,
+                             const std::string* instanceName);
+    KALDATA_API bool disconnect(const std::string* netName, const std::string* portName,
+                                const std::string* instanceName);
 
-    kalfileset* addFileSet(const std::string* name, const std::string* second, const std::string* third);
-    kalfile* addFile(const std::string* filesetName, const std::string* fileName, const std::string* second,
-                     const std::string* third);
+    KALDATA_API kalfileset* addFileSet(const std::string* name, const std::string* second,
+                                       const std::string* third);
+    KALDATA_API kalfile* addFile(const std::string* filesetName, const std::string* fileName,
+                                 const std::string* second, const std::string* third);
 
-    int addLPC(kallpc* lpc);
-    int hasLPC(std::string* name);
-    const std::string* getLPCValue(const std::string* name);
+    KALDATA_API int addLPC(kallpc* lpc);
+    KALDATA_API int hasLPC(std::string* name);
+    KALDATA_API const std::string* getLPCValue(const std::string* name);
 
-    kalelements* getElements();
-    kalelements* getElements(const std::string* path);
-    unsigned int elementCount();
-    unsigned int elementCount(const std::string* name);
-    kalgenerators* createGenerators();
-    kalgenerator* createGenerator(std::string name);
+    KALDATA_API kalelements* getElements();
+    KALDATA_API kalelements* getElements(const std::string* path);
+    KALDATA_API unsigned int elementCount();
+    KALDATA_API unsigned int elementCount(const std::string* name);
+    KALDATA_API kalgenerators* createGenerators();
+    KALDATA_API kalgenerator* createGenerator(std::string name);
 
-    kalcomponent* getComponent(const std::string* path);
-    int removeComponent(const std::string* path);
-    bool needBBox();
-    int initBlackBoxPadPin(std::vector<std::string>& names);
+    KALDATA_API kalcomponent* getComponent(const std::string* path);
+    KALDATA_API int removeComponent(const std::string* path);
+    KALDATA_API bool needBBox();
+    KALDATA_API int initBlackBoxPadPin(std::vector<std::string>& names);
 
-    bool operator==(const kalcomponent& other) const;
-    bool operator!=(const kalcomponent& other) const;
+    KALDATA_API bool operator==(const kalcomponent& other) const;
+    KALDATA_API bool operator!=(const kalcomponent& other) const;
 
-    int addPort(const std::string* name, const std::string* second, int direction, const std::string* fourth);
-    int addPortbus(const std::string* name, const std::string* second, unsigned int msb, unsigned int lsb,
-                   int direction, const std::string* fourth);
-    kalport* getPort(const std::string* name, bool hierarchical);
-    kalportbus* getPortbus(const std::string* name, bool hierarchical);
-    int changePortName(const std::string* oldName, const std::string* newName);
-    int changePortbusName(const std::string* oldName, const std::string* newName);
-    int removePort(const std::string* name);
-    int removePortbus(const std::string* name);
-    int deletePortbus(const std::string* name);
+    KALDATA_API int addPort(const std::string* name, const std::string* second, int direction,
+                            const std::string* fourth);
+    KALDATA_API int addPortbus(const std::string* name, const std::string* second, unsigned int msb,
+                               unsigned int lsb, int direction, const std::string* fourth);
+    KALDATA_API kalport* getPort(const std::string* name, bool hierarchical);
+    KALDATA_API kalportbus* getPortbus(const std::string* name, bool hierarchical);
+    KALDATA_API int changePortName(const std::string* oldName, const std::string* newName);
+    KALDATA_API int changePortbusName(const std::string* oldName, const std::string* newName);
+    KALDATA_API int removePort(const std::string* name);
+    KALDATA_API int removePortbus(const std::string* name);
+    KALDATA_API int deletePortbus(const std::string* name);
 
-    int addExport(std::string path, bool hierarchical, const std::string* netArg, const std::string* topName);
-    int removeExport(std::string path, bool hierarchical);
+    KALDATA_API int addExport(std::string path, bool hierarchical, const std::string* netArg,
+                              const std::string* topName);
+    KALDATA_API int removeExport(std::string path, bool hierarchical);
 
-    int getClockSourceState() const;
+    KALDATA_API int getClockSourceState() const;
+
+private:
+    // Written by nets as ports join and leave them.
+    friend struct kalaccess;
     void setClockSourceState(int state);
 };
 
-class KALDATA_API kalcomponentdata : public kalattributes {
+class kalcomponentdata : public kalattributes {
 public:
     std::string* instanceName;
     kalelements* elements;
@@ -126,8 +138,8 @@ public:
     std::map<std::string, kalparameter*> parameters;
     std::vector<kallpc*> lpcs;
 
-    kalcomponentdata();
-    ~kalcomponentdata();
+    KALDATA_API kalcomponentdata();
+    KALDATA_API ~kalcomponentdata();
 
 private:
     kalhandedback* handedBack;  // designs it let go of that still point to it

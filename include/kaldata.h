@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Umbrella header of libkaldata: includes every public class header.
 #ifndef KALDATA_KALDATA_H
 #define KALDATA_KALDATA_H
@@ -16,5 +17,6 @@
 #include "kaldesign.h"
 #include "kalelements.h"
 #include "kalgenerators.h"
+#include "kalversion.h"
 
 #endif

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The inside of a component: instances wired by nets and net buses, dual ports.
 #ifndef KALDATA_KALDESIGN_H
 #define KALDATA_KALDESIGN_H
@@ -25,60 +26,64 @@ struct kalinstanceindex;
 struct kalhandedback;
 struct kalhandback;
 
-class KALDATA_API kaldesign {
+class kaldesign {
 public:
     kalattributes* identity;
     kalcomponent* owner;
     kaldesigndata* data;
 
-    kaldesign(const std::string* vendor, const std::string* library, const std::string* name,
-              const std::string* version);
-    ~kaldesign();
-    void setAttribute(const std::string* key, const std::string* value, const std::string* vendor);
-    void removeAttribute(const std::string* key);
+    KALDATA_API kaldesign(const std::string* vendor, const std::string* library, const std::string* name,
+                          const std::string* version);
+    KALDATA_API ~kaldesign();
+    KALDATA_API void setAttribute(const std::string* key, const std::string* value,
+                                  const std::string* vendor);
+    KALDATA_API void removeAttribute(const std::string* key);
 
-    kalcomponent* getInstance(const std::string* name);
-    kalport* getComponentPort(const std::string* portName, const std::string* instanceName);
-    kalnetbus* getNetbus(const std::string* name);
-    kalnet* getNet(const std::string* name);
-    std::list<kalelement*>* getVirtualElements();
-    std::string getRelativeHierarchyName(kalport* port) const;
-    bool isSourcePort(kalport* port) const;
-    bool isSourcePort(kalportbus* bus) const;
-    bool operator==(const kaldesign& other) const;
-    bool operator!=(const kaldesign& other) const;
+    KALDATA_API kalcomponent* getInstance(const std::string* name);
+    KALDATA_API kalport* getComponentPort(const std::string* portName, const std::string* instanceName);
+    KALDATA_API kalnetbus* getNetbus(const std::string* name);
+    KALDATA_API kalnet* getNet(const std::string* name);
+    KALDATA_API std::list<kalelement*>* getVirtualElements();
+    KALDATA_API std::string getRelativeHierarchyName(kalport* port) const;
+    KALDATA_API bool isSourcePort(kalport* port) const;
+    KALDATA_API bool isSourcePort(kalportbus* bus) const;
+    KALDATA_API bool operator==(const kaldesign& other) const;
+    KALDATA_API bool operator!=(const kaldesign& other) const;
 
-    bool addInstance(std::string* name, kalcomponent* component);
-    bool addNet(const std::string* name, const std::string* secondName, const std::string* type,
-                const std::string* text);
-    bool addNetbus(const std::string* name, const std::string* type, const std::string* secondName,
-                   unsigned int first, unsigned int last, const std::string* text);
-    void removeAllInstances();
+    KALDATA_API bool addInstance(std::string* name, kalcomponent* component);
+    KALDATA_API bool addNet(const std::string* name, const std::string* secondName, const std::string* type,
+                            const std::string* text);
+    KALDATA_API bool addNetbus(const std::string* name, const std::string* type,
+                               const std::string* secondName, unsigned int first, unsigned int last,
+                               const std::string* text);
+    KALDATA_API void removeAllInstances();
 
-    bool connect(const std::string* netName, const std::string* portName, const std::string* instanceName);
-    bool disconnect(const std::string* netName, const std::string* portName, const std::string* instanceName);
+    KALDATA_API bool connect(const std::string* netName, const std::string* portName,
+                             const std::string* instanceName);
+    KALDATA_API bool disconnect(const std::string* netName, const std::string* portName,
+                                const std::string* instanceName);
 
-    bool changeNetName(const std::string* oldName, const std::string* newName);
-    bool changeNetbusName(const std::string* oldName, const std::string* newName);
-    bool changeNetBusRange(const std::string* name, unsigned int first, unsigned int last);
-    bool removeNet(const std::string* name);
-    bool removeNetbus(const std::string* name);
-    bool deleteNetbus(const std::string* name);
+    KALDATA_API bool changeNetName(const std::string* oldName, const std::string* newName);
+    KALDATA_API bool changeNetbusName(const std::string* oldName, const std::string* newName);
+    KALDATA_API bool changeNetBusRange(const std::string* name, unsigned int first, unsigned int last);
+    KALDATA_API bool removeNet(const std::string* name);
+    KALDATA_API bool removeNetbus(const std::string* name);
+    KALDATA_API bool deleteNetbus(const std::string* name);
 
-    bool removeInstance(const std::string* name);
+    KALDATA_API bool removeInstance(const std::string* name);
 
-    kaldualport* getDualPort(const std::string& name);
-    kaldualportbus* getDualPortbus(const std::string& name);
-    void insertDualPort(const std::string& name, kaldualport* dualPort);
-    void addPortToDualPort(const std::string& name, kalport* port);
-    void addPortsToDualPort(const std::string& name, const std::vector<kalport*>& ports);
-    bool insertDualPortBus(const std::string& name, kaldualportbus* bus);
-    void removePortFromDualPort(const std::string& dualPortName, const std::string& portName);
-    void removePortFromDualPort(const std::string& dualPortName, kalport* port);
-    void removeDualPort(const std::string& name);
-    void deleteDualPort(const std::string& name);
-    void removeDualPortBus(const std::string& name);
-    void deleteDualPortBus(const std::string& name);
+    KALDATA_API kaldualport* getDualPort(const std::string& name);
+    KALDATA_API kaldualportbus* getDualPortbus(const std::string& name);
+    KALDATA_API void insertDualPort(const std::string& name, kaldualport* dualPort);
+    KALDATA_API void addPortToDualPort(const std::string& name, kalport* port);
+    KALDATA_API void addPortsToDualPort(const std::string& name, const std::vector<kalport*>& ports);
+    KALDATA_API bool insertDualPortBus(const std::string& name, kaldualportbus* bus);
+    KALDATA_API void removePortFromDualPort(const std::string& dualPortName, const std::string& portName);
+    KALDATA_API void removePortFromDualPort(const std::string& dualPortName, kalport* port);
+    KALDATA_API void removeDualPort(const std::string& name);
+    KALDATA_API void deleteDualPort(const std::string& name);
+    KALDATA_API void removeDualPortBus(const std::string& name);
+    KALDATA_API void deleteDualPortBus(const std::string& name);
 
 private:
     // addNet's work; answers the net the name maps to, new or not.
@@ -86,7 +91,7 @@ private:
                      const std::string* text, bool& added);
 };
 
-class KALDATA_API kaldesigndata : public kalattributes {
+class kaldesigndata : public kalattributes {
 private:
     std::map<std::string, kalcomponent*>* instanceMap;
     std::list<kalcomponent*>* instanceList;
@@ -104,16 +109,16 @@ private:
     friend struct kalhandback;
 
 public:
-    kaldesigndata();
-    ~kaldesigndata();
+    KALDATA_API kaldesigndata();
+    KALDATA_API ~kaldesigndata();
 
-    std::map<std::string, kalcomponent*>* getInstanceMap() const;
-    std::list<kalcomponent*>* getInstanceList() const;
-    std::map<std::string, kalnetbus*>* getNetbusMap() const;
-    std::map<std::string, kalnet*>* getNetMap() const;
-    std::map<std::string, kaldualport*>* getDualPortMap() const;
-    std::map<std::string, kaldualportbus*>* getDualPortbusMap() const;
-    std::list<kalelement*>* getVirtualElementList() const;
+    KALDATA_API std::map<std::string, kalcomponent*>* getInstanceMap() const;
+    KALDATA_API std::list<kalcomponent*>* getInstanceList() const;
+    KALDATA_API std::map<std::string, kalnetbus*>* getNetbusMap() const;
+    KALDATA_API std::map<std::string, kalnet*>* getNetMap() const;
+    KALDATA_API std::map<std::string, kaldualport*>* getDualPortMap() const;
+    KALDATA_API std::map<std::string, kaldualportbus*>* getDualPortbusMap() const;
+    KALDATA_API std::list<kalelement*>* getVirtualElementList() const;
 };
 
 #endif

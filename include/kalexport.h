@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Export macro for the public interface of libkaldata. The library is built
 // with hidden visibility; only what carries KALDATA_API is visible to users.
 #ifndef KALDATA_KALEXPORT_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Nets, net buses and their free queries.
 #ifndef KALDATA_KALNET_H
 #define KALDATA_KALNET_H
@@ -13,7 +14,7 @@ class kalport;
 class kalnetbus;
 struct kalaccess;
 
-class KALDATA_API kalnet : public kalattributes {
+class kalnet : public kalattributes {
 private:
     // Large designs hold millions of nets, so the common net (named, second
     // name equal to the name, no text) is a single allocation.
@@ -25,25 +26,25 @@ private:
     kalport* ports;  // connected ports in order of connection: the port list's storage word
 
 public:
-    kalnet(const std::string* name, const std::string* secondName, const std::string* text);
-    bool isConnectedTo(kalport* port);
-    void connect(kalport* port, bool flag);
-    void disconnect(kalport* port, bool flag);
-    void setBus(kalnetbus* netbus);
-    void unsetBus();
-    std::vector<kalport*> getTop();
-    std::vector<kalport*> getSources();
-    std::vector<kalport*> getSinks();
-    bool operator==(const kalnet& other) const;
-    bool operator!=(const kalnet& other) const;
-    ~kalnet();
+    KALDATA_API kalnet(const std::string* name, const std::string* secondName, const std::string* text);
+    KALDATA_API bool isConnectedTo(kalport* port);
+    KALDATA_API void connect(kalport* port, bool flag);
+    KALDATA_API void disconnect(kalport* port, bool flag);
+    KALDATA_API void setBus(kalnetbus* netbus);
+    KALDATA_API void unsetBus();
+    KALDATA_API std::vector<kalport*> getTop();
+    KALDATA_API std::vector<kalport*> getSources();
+    KALDATA_API std::vector<kalport*> getSinks();
+    KALDATA_API bool operator==(const kalnet& other) const;
+    KALDATA_API bool operator!=(const kalnet& other) const;
+    KALDATA_API ~kalnet();
 
-    kaldesign* getDesign() const;
-    const std::string* getName() const;
-    const std::string* getSecondName() const;
-    const std::string* getText() const;
-    kalnetbus* getBus() const;
-    std::vector<kalport*> getPorts() const;
+    KALDATA_API kaldesign* getDesign() const;
+    KALDATA_API const std::string* getName() const;
+    KALDATA_API const std::string* getSecondName() const;
+    KALDATA_API const std::string* getText() const;
+    KALDATA_API kalnetbus* getBus() const;
+    KALDATA_API std::vector<kalport*> getPorts() const;
 
 private:
     friend struct kalaccess;
@@ -54,7 +55,7 @@ private:
     void tidy();  // drops the side record once the net is common again
 };
 
-class KALDATA_API kalnetbus : public kalattributes {
+class kalnetbus : public kalattributes {
 private:
     kaldesign* design;
     std::string* name;
@@ -65,31 +66,31 @@ private:
     unsigned int lsb;
 
 public:
-    kalnetbus(const std::string* name, const std::string* secondName, unsigned int msb, unsigned int lsb,
-              const std::string* text);
-    static kalnetbus* createNetBus(const std::string* name, const std::string* secondName, unsigned int msb,
-                                   unsigned int lsb, const std::vector<kalnet*>& nets,
-                                   const std::string* text);
-    kalnet* netAtIndex(unsigned int i);
-    void connect(unsigned int i, kalnet* net);
-    void disconnect(unsigned int i);
-    void disconnect(kalnet* net);
+    KALDATA_API kalnetbus(const std::string* name, const std::string* secondName, unsigned int msb,
+                          unsigned int lsb, const std::string* text);
+    KALDATA_API static kalnetbus* createNetBus(const std::string* name, const std::string* secondName,
+                                               unsigned int msb, unsigned int lsb,
+                                               const std::vector<kalnet*>& nets, const std::string* text);
+    KALDATA_API kalnet* netAtIndex(unsigned int i);
+    KALDATA_API void connect(unsigned int i, kalnet* net);
+    KALDATA_API void disconnect(unsigned int i);
+    KALDATA_API void disconnect(kalnet* net);
     // Examines slot 0 only and does not return while that slot has no source (kept as it always was).
-    bool hasSoucePortsInNetBus();
-    void setAttribute(const std::string* name, const std::string* value, const std::string* vendor,
-                      bool propagate);
-    void setAttributeValue(const std::string* name, const std::string* value, bool propagate);
-    void removeAttribute(const std::string* name, bool propagate);
-    void removeAllAttributes(bool propagate);
-    ~kalnetbus();
+    KALDATA_API bool hasSoucePortsInNetBus();
+    KALDATA_API void setAttribute(const std::string* name, const std::string* value,
+                                  const std::string* vendor, bool propagate);
+    KALDATA_API void setAttributeValue(const std::string* name, const std::string* value, bool propagate);
+    KALDATA_API void removeAttribute(const std::string* name, bool propagate);
+    KALDATA_API void removeAllAttributes(bool propagate);
+    KALDATA_API ~kalnetbus();
 
-    kaldesign* getDesign() const;
-    const std::string* getName() const;
-    const std::string* getSecondName() const;
-    const std::string* getText() const;
-    std::vector<kalnet*> getBits() const;
-    unsigned int getMsb() const;
-    unsigned int getLsb() const;
+    KALDATA_API kaldesign* getDesign() const;
+    KALDATA_API const std::string* getName() const;
+    KALDATA_API const std::string* getSecondName() const;
+    KALDATA_API const std::string* getText() const;
+    KALDATA_API std::vector<kalnet*> getBits() const;
+    KALDATA_API unsigned int getMsb() const;
+    KALDATA_API unsigned int getLsb() const;
 
 private:
     friend struct kalaccess;

@@ -1,4 +1,6 @@
-// A named component parameter with a replaceable value.
+// SPDX-License-Identifier: Apache-2.0
+/// @file kalparameter.h
+/// @brief A named component parameter with a replaceable value.
 #ifndef KALDATA_KALPARAMETER_H
 #define KALDATA_KALPARAMETER_H
 
@@ -7,7 +9,12 @@
 #include "kalattributes.h"
 #include "kalexport.h"
 
-class KALDATA_API kalparameter : public kalattributes {
+/// @brief A component parameter: a name, two further fields and a value.
+///
+/// A component owns the parameters added to it (kalcomponent::addParameter())
+/// until kalcomponent::removeParameter() hands one back.
+/// Do not copy or assign one: the copy shares the owned strings, which are then freed twice.
+class kalparameter : public kalattributes {
 private:
     std::string* name;
     std::string* secondField;
@@ -15,15 +22,23 @@ private:
     std::string* value;
 
 public:
-    kalparameter(const std::string* name, const std::string* second, const std::string* value,
-                 const std::string* fourth);
-    void setValue(const std::string* value);
-    ~kalparameter();
+    /// Copies all four strings, but only when all four pointers are non-null;
+    /// otherwise every field stays null. Note the order: the value is the third argument.
+    KALDATA_API kalparameter(const std::string* name, const std::string* second, const std::string* value,
+                             const std::string* fourth);
+    /// Replaces the value with a copy of @p value; null changes nothing.
+    KALDATA_API void setValue(const std::string* value);
+    /// Frees the four strings.
+    KALDATA_API ~kalparameter();
 
-    const std::string* getName() const;
-    const std::string* getSecondField() const;
-    const std::string* getFourthField() const;
-    const std::string* getValue() const;
+    /// @return the name, or null when the constructor got a null argument.
+    KALDATA_API const std::string* getName() const;
+    /// @return the second field, or null.
+    KALDATA_API const std::string* getSecondField() const;
+    /// @return the fourth field, or null.
+    KALDATA_API const std::string* getFourthField() const;
+    /// @return the value, or null.
+    KALDATA_API const std::string* getValue() const;
 };
 
 #endif

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Ports, port buses and the free port queries that look through dual ports.
 #ifndef KALDATA_KALPORT_H
 #define KALDATA_KALPORT_H
@@ -15,7 +16,7 @@ class kaldualport;
 class kalportbus;
 struct kalaccess;
 
-class KALDATA_API kalport : public kalattributes {
+class kalport : public kalattributes {
 private:
     kalcomponent* component;
     const std::string* name;  // shared with every equal port name
@@ -28,29 +29,30 @@ private:
     extras* extra;
 
 public:
-    kalport(const std::string* name, const std::string* secondName, int direction, const std::string* text);
-    void setBus(kalportbus* bus);
-    void unsetBus();
-    kaldualport* getDualPort();
-    void connect(kalnet* net);
-    void disconnect(kalnet* net);
-    bool exportTo(kalport* port);
-    void unexport();
-    kalport* getExportedFrom();
-    kalport* getExportedTo();
-    std::vector<kalport*> getConnectedPorts();
-    std::vector<kalport*> getPortsOfDualPort();
-    bool operator==(const kalport& other) const;
-    bool operator!=(const kalport& other) const;
-    ~kalport();
+    KALDATA_API kalport(const std::string* name, const std::string* secondName, int direction,
+                        const std::string* text);
+    KALDATA_API void setBus(kalportbus* bus);
+    KALDATA_API void unsetBus();
+    KALDATA_API kaldualport* getDualPort();
+    KALDATA_API void connect(kalnet* net);
+    KALDATA_API void disconnect(kalnet* net);
+    KALDATA_API bool exportTo(kalport* port);
+    KALDATA_API void unexport();
+    KALDATA_API kalport* getExportedFrom();
+    KALDATA_API kalport* getExportedTo();
+    KALDATA_API std::vector<kalport*> getConnectedPorts();
+    KALDATA_API std::vector<kalport*> getPortsOfDualPort();
+    KALDATA_API bool operator==(const kalport& other) const;
+    KALDATA_API bool operator!=(const kalport& other) const;
+    KALDATA_API ~kalport();
 
-    kalcomponent* getComponent() const;
-    const std::string* getName() const;
-    const std::string* getSecondName() const;
-    const std::string* getText() const;
-    kalportbus* getBus() const;
-    kalnet* getNet() const;
-    int getDirection() const;
+    KALDATA_API kalcomponent* getComponent() const;
+    KALDATA_API const std::string* getName() const;
+    KALDATA_API const std::string* getSecondName() const;
+    KALDATA_API const std::string* getText() const;
+    KALDATA_API kalportbus* getBus() const;
+    KALDATA_API kalnet* getNet() const;
+    KALDATA_API int getDirection() const;
 
 private:
     // Link and key updates belong to the library so that both ends stay in step.
@@ -63,7 +65,7 @@ private:
     void storeNames(const std::string* name, const std::string* secondName);
 };
 
-class KALDATA_API kalportbus : public kalattributes {
+class kalportbus : public kalattributes {
 private:
     kalcomponent* component;
     const std::string* name;  // shared with every equal port name
@@ -75,33 +77,33 @@ private:
     unsigned int lsb;
 
 public:
-    kalportbus(const std::string* name, const std::string* secondName, unsigned int msb, unsigned int lsb,
-               int direction, const std::string* text);
-    kalport* portAtIndex(unsigned int i);
-    void connect(unsigned int i, kalport* port);
-    void disconnect(unsigned int i);
-    void disconnect(kalport* port);
-    bool hasConnectedPort();
-    kalnetbus* getConnectedNetbus();
-    bool connectToNetbus(kalnetbus* netbus);
-    void exportTo(kalportbus* portbus);
-    void unexport();
-    kalportbus* getExportedToBus();
-    void setAttribute(const std::string* name, const std::string* value, const std::string* vendor,
-                      bool propagate);
-    void setAttributeValue(const std::string* name, const std::string* value, bool propagate);
-    void removeAttribute(const std::string* name, bool propagate);
-    void removeAllAttributes(bool propagate);
-    ~kalportbus();
+    KALDATA_API kalportbus(const std::string* name, const std::string* secondName, unsigned int msb,
+                           unsigned int lsb, int direction, const std::string* text);
+    KALDATA_API kalport* portAtIndex(unsigned int i);
+    KALDATA_API void connect(unsigned int i, kalport* port);
+    KALDATA_API void disconnect(unsigned int i);
+    KALDATA_API void disconnect(kalport* port);
+    KALDATA_API bool hasConnectedPort();
+    KALDATA_API kalnetbus* getConnectedNetbus();
+    KALDATA_API bool connectToNetbus(kalnetbus* netbus);
+    KALDATA_API void exportTo(kalportbus* portbus);
+    KALDATA_API void unexport();
+    KALDATA_API kalportbus* getExportedToBus();
+    KALDATA_API void setAttribute(const std::string* name, const std::string* value,
+                                  const std::string* vendor, bool propagate);
+    KALDATA_API void setAttributeValue(const std::string* name, const std::string* value, bool propagate);
+    KALDATA_API void removeAttribute(const std::string* name, bool propagate);
+    KALDATA_API void removeAllAttributes(bool propagate);
+    KALDATA_API ~kalportbus();
 
-    kalcomponent* getComponent() const;
-    const std::string* getName() const;
-    const std::string* getSecondName() const;
-    const std::string* getText() const;
-    std::vector<kalport*> getBits() const;
-    int getDirection() const;
-    unsigned int getMsb() const;
-    unsigned int getLsb() const;
+    KALDATA_API kalcomponent* getComponent() const;
+    KALDATA_API const std::string* getName() const;
+    KALDATA_API const std::string* getSecondName() const;
+    KALDATA_API const std::string* getText() const;
+    KALDATA_API std::vector<kalport*> getBits() const;
+    KALDATA_API int getDirection() const;
+    KALDATA_API unsigned int getMsb() const;
+    KALDATA_API unsigned int getLsb() const;
 
 private:
     friend struct kalaccess;

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "kalsupport.h"
 
 #include <set>
@@ -12,11 +13,20 @@ struct leftovers {
     std::set<kalgenerators*> registries;
     std::set<kalgenerator*> generators;
     std::set<kalgeneratorgroup*> groups;
+    std::set<kallpc*> lpcs;
+    std::set<kalelementgroup*> catalogueGroups;
 
     void collect(kalcomponent* c) {
         if (!c || !c->data) return;
+        components.push_back(c);
         for (auto& f : c->data->filesets)
             filesets.insert(f.second);
+        for (kallpc* l : c->data->lpcs)
+            lpcs.insert(l);
+        // The catalogue frees its elements but not the groups it made.
+        if (kalelements* e = c->data->elements)
+            for (auto& g : e->getGroupMap())
+                catalogueGroups.insert(g.second);
         if (kalgenerators* g = c->data->generators) {
             registries.insert(g);
             for (auto& e : g->getGeneratorMap())
@@ -30,6 +40,10 @@ struct leftovers {
                     collect(i.second);
     }
 
+    std::vector<kalcomponent*> components;
+
+    // Sets, so that an object that several entries (or components) name is
+    // freed once.
     void free() {
         for (auto* f : filesets)
             delete f;
@@ -39,6 +53,10 @@ struct leftovers {
             delete g;
         for (auto* r : registries)
             delete r;
+        for (auto* l : lpcs)
+            delete l;
+        for (auto* g : catalogueGroups)
+            delete g;
     }
 };
 
@@ -55,4 +73,14 @@ void kalsupport::releaseLeftovers(kalcomponent* component) {
     leftovers l;
     l.collect(component);
     l.free();
+    // The components stay alive until their design destroys them: leave
+    // nothing in them that points at what was just freed.
+    for (kalcomponent* c : l.components) {
+        c->data->filesets.clear();
+        c->data->lpcs.clear();
+        c->data->generators = nullptr;
+        if (kalelements* e = c->data->elements)
+            for (auto& g : e->getGroupMap())
+                e->removeGroup(&g.first);
+    }
 }

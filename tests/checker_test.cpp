@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The model checker must report links that public calls can leave broken.
 #include "kaldata.h"
 #include "support/checker.h"

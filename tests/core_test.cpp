@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Core records: project singleton, attribute sets, name utilities, messages,
 // parameters and files.
 #include <memory>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Dual port management of a design: merging ports, splitting them again,
 // dual port buses, and the records each step sends.
 #include "support/model.h"

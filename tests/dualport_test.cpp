@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Dual ports and dual port buses: slot order, member links, removal by name,
 // and what a dying member takes with it.
 #include <algorithm>

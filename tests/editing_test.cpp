@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Connection and net editing: connect, disconnect with pruning, net and net
 // bus renames, range changes and removals, with the records they send.
 #include <tuple>

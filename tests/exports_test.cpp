@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Exports: instance ports and port buses made ports of the enclosing
 // component, and taken back.
 #include "support/model.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Generator registry: keys versus name fields, groups, and the deep copy.
 #include <memory>
 
@@ -6,15 +7,24 @@
 
 using gens = std::map<std::string, kalgenerator*>;
 
-// Registries never free their generators, so tests keep them on the stack.
-struct named : kalgenerator {
-    explicit named(const char* name) { setName(name); }
+// Only a component names a generator (createGenerator); registries never free
+// their generators, so the maker keeps and frees them.
+struct maker {
+    kalcomponent scratch{nullptr, nullptr, nullptr, nullptr};
+    std::vector<std::unique_ptr<kalgenerator>> made;
+    kalgenerator* operator()(const char* name) {
+        made.emplace_back(scratch.createGenerator(name));
+        return made.back().get();
+    }
+    ~maker() { delete scratch.data->generators; }
 };
 
 TEST(generators, keys_links_removal_by_object_and_groups) {
     strings S;
     kalgenerators r;
-    named a("a"), b("b"), x1("x"), x2("x"), g("g"), h("h"), twin("g");
+    maker make;
+    kalgenerator &a = *make("a"), &b = *make("b"), &x1 = *make("x"), &x2 = *make("x");
+    kalgenerator &g = *make("g"), &h = *make("h"), &twin = *make("g");
     r.addGenerator("k", &a);
     r.addGenerator("k", &b);  // replaces a, which stays linked
     EXPECT_EQ(r.getGeneratorMap(), (gens{{"k", &b}}));
@@ -50,14 +60,14 @@ TEST(generators, clone_copies_by_key_and_drops_mismatched_members) {
     std::unique_ptr<kalgenerators> empty(r.clone());  // without generators nothing else is copied
     EXPECT_TRUE(empty->getValueMap().empty() && empty->getGroupMap().empty());
 
-    named a("a"), b("b"), moved("m");
+    maker make;
+    kalgenerator &a = *make("a"), &b = *make("b"), &moved = *make("renamed");
     for (auto [key, g] : {std::pair{"a", &a}, std::pair{"alias", &b}, std::pair{"m", &moved}})
         r.addGenerator(key, g);
     r.getGroup(S("kept"))->setAttributeValue(S("colour"), S("red"));
-    // b's key "b" has no registry entry, and moved stops matching its key.
+    // Members are found by name: b's name "b" and moved's "renamed" are no keys.
     for (auto [g, group] : {std::pair{&a, "kept"}, std::pair{&b, "kept"}, std::pair{&moved, "stale"}})
         r.addGeneratorToGroup(g, group);
-    moved.setName("renamed");
     std::unique_ptr<kalgenerators> c(r.clone());
     gens copies = c->getGeneratorMap();
     ASSERT_EQ(copies.size(), 3u);

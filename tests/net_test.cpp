@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Nets and net buses: the records of moving a port between nets, the direction
 // table, clock-source marks, bit-net destruction, and the port lookup of large
 // nets, which must answer exactly like a scan of the list.
@@ -58,7 +59,6 @@ TEST_F(netmodel, moves_directions_and_clock_marks) {
 
     // a is marked as a clock source in its component's catalogue.
     inst("u1")->getElements()->addElement(S("t"), S("a"), false)->setAttributeValue(S("CLK_SRC"), S("true"));
-    std::unique_ptr<kalelementgroup> group(inst("u1")->getElements()->getGroup(S("t")));  // left to its maker
     kalnet* m = wire("m", {});
     m->connect(a, false);  // leaving n counts as a flagged disconnect
     m->connect(ti, true);

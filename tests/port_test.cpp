@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Ports and buses: the slot order of port buses and net buses, equality seen
 // through connected ports, the records of a dying component, and export links.
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Port management of a component: renaming and removing ports and port
 // buses, with the records that announce the changes.
 #include <tuple>

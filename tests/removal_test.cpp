@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Instance removal: detaching ports, pruning nets, dropping exports, and
 // leaving no link to the destroyed instance behind.
 #include <list>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The application platform's event service. libkaldata calls these three
 // functions and never defines them: the application (or a test recorder) does.
 #ifndef VORN_EVENT_H

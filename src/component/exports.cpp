@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Exports: making an instance's port (or port bus) a port of the enclosing
 // component, wired by a net (or net bus) of the design, and undoing it.
 #include "core/text.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Port and port bus management of a component: adding, finding, renaming and
 // removing, with the records that announce renames and removals.
 #include <memory>

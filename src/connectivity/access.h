@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The library's own door to the private setters of ports, port buses, nets and
 // net buses. Applications cannot reach these, so a link or a map key cannot be
 // changed behind the model's back; inside the library every such change goes
@@ -7,6 +8,8 @@
 
 #include <string>
 
+#include "kalcomponent.h"
+#include "kaldualport.h"
 #include "kalnet.h"
 #include "kalport.h"
 
@@ -49,6 +52,13 @@ struct kalaccess {
     static void clearBits(kalnetbus* b) { b->clearBits(); }
     static void markHandedBack(kalnetbus* b) { b->markHandedBack(); }
     static bool handedBack(const kalnetbus* b) { return b->handedBack(); }
+
+    // A design registers its dual ports and dual port buses.
+    static void setDesign(kaldualport* p, kaldesign* d) { p->setDesign(d); }
+    static void setDesign(kaldualportbus* b, kaldesign* d) { b->setDesign(d); }
+
+    // Nets record on the component whether a clock source joined or left.
+    static void setClockSourceState(kalcomponent* c, int state) { c->setClockSourceState(state); }
 
 private:
     template <class Change>

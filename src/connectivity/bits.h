@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Bit order shared by port buses, net buses and dual port buses: slot 0 holds
 // bit msb and slots run toward lsb, whichever way the range goes.
 #ifndef KALDATA_SRC_CONNECTIVITY_BITS_H

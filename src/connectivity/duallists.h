@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Which dual ports list a port. A port can be listed by several dual ports at
 // once (added to a second one; the first keeps it), while its dual port link
 // names at most one of them, or none once a dual port that let it go cleared

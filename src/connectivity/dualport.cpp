@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Dual ports and dual port buses.
 #include "core/text.h"
 #include "design/handedback.h"

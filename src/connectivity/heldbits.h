@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Bit nets that more than one net bus holds. addNetbus (an existing net of a
 // bit's name becomes the bit) and kalnetbus::connect take a net over while
 // another bus keeps it in a slot. The net's bus link names one of them at

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "connectivity/access.h"
 #include "connectivity/bits.h"
 #include "connectivity/heldbits.h"
@@ -30,7 +31,7 @@ void markClockSource(kalport* port, int state) {
     kalelement* element = catalogue ? catalogue->getElement(port->getName()) : nullptr;
     if (!element) return;
     const std::string* v = element->getAttributeValue(&clkSrc);
-    if (v && *v == "true") c->setClockSourceState(state);
+    if (v && *v == "true") kalaccess::setClockSourceState(c, state);
 }
 
 }  // namespace

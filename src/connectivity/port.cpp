@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "connectivity/access.h"
 #include "connectivity/bits.h"
 #include "connectivity/duallists.h"

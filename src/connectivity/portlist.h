@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The port list of a net: ports in order of connection, plus, for large nets,
 // an index that answers the equality-based searches without scanning.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The attribute operations of buses that also reach every member bit.
 #ifndef KALDATA_SRC_CONNECTIVITY_PROPAGATE_H
 #define KALDATA_SRC_CONNECTIVITY_PROPAGATE_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A many-to-many relation between model objects, kept process-wide for the
 // links the library clears for memory safety (see heldbits.h, unlisted.h).
 // Separate models may live on separate threads, so changes take the lock; it

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // How a port on a net is classified: a top port belongs to the component that
 // owns the net's design; instance ports drive on 2/3 and receive on 1/3, top
 // ports the other way round.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Ports that point to a net which no longer lists them. Two distinct ports can
 // compare equal (a component that removeAllInstances handed back keeps its
 // instance name and parent design, and another instance may be added under

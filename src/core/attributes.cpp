@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "kalattributes.h"
 
 // The value map alone decides whether an attribute exists; the vendor map is

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The four identity attributes of components and designs.
 #ifndef KALDATA_SRC_CORE_IDENTITY_H
 #define KALDATA_SRC_CORE_IDENTITY_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Lookups and teardown of the owning name maps.
 #ifndef KALDATA_SRC_CORE_MAPS_H
 #define KALDATA_SRC_CORE_MAPS_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "kalmessages.h"
 
 kalmessage::kalmessage(unsigned int type_, const char* text_) : type(0), text(nullptr) {

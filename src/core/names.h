@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Name storage for the model's many small objects.
 //
 // Port and port bus names repeat across every instance of a block type, so

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Parameters, LPC values, files and file sets.
 #include "kallpc.h"
 #include "kalfile.h"

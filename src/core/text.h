@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Owned optional strings, as the model's name fields hold them.
 #ifndef KALDATA_SRC_CORE_TEXT_H
 #define KALDATA_SRC_CORE_TEXT_H

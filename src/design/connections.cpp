@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Connection editing: attaching ports to existing nets and detaching them,
 // with the net pruned when it no longer joins a driver to a receiver.
 #include "core/text.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Dual port management: merging ports into dual ports and dual port buses,
 // splitting them again, and removing them. A design that no component holds
 // changes its maps but announces nothing.
@@ -12,6 +13,8 @@
 #include "kaldualport.h"
 #include "kalnet.h"
 #include "kalport.h"
+
+#include "connectivity/access.h"
 
 namespace {
 
@@ -51,7 +54,7 @@ void kaldesign::insertDualPort(const std::string& name, kaldualport* dualPort) {
     auto* map = data->getDualPortMap();
     if (name.empty() || !dualPort || map->count(name)) return;
     kalhandback::forget(dualPort);  // it may come back from a design that handed it out
-    dualPort->setDesign(this);
+    kalaccess::setDesign(dualPort, this);
     map->emplace(name, dualPort);
     announce(this, "dualpin", "add", "dualpin", kalpaths::dualPortPath(this, name));
 }
@@ -64,7 +67,7 @@ void addToDualPort(kaldesign* d, const std::string& name, Add add) {
     if (it == map->end()) {
         auto* dp = new kaldualport(name);
         add(dp);
-        dp->setDesign(d);
+        kalaccess::setDesign(dp, d);
         map->emplace(name, dp);
     } else {
         add(it->second);
@@ -89,7 +92,7 @@ bool kaldesign::insertDualPortBus(const std::string& name, kaldualportbus* bus) 
     if (name.empty() || !bus) return false;
     if (!map->empty() && map->count(name)) return false;
     kalhandback::forget(bus);
-    bus->setDesign(this);
+    kalaccess::setDesign(bus, this);
     map->emplace(name, bus);
     announce(this, "dualpinbus", "add", "dualpinbus", name);
     return true;

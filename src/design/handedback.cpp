@@ -83,9 +83,9 @@ void kalhandback::ownerGone(kaldesign* design) {
     for (kalnetbus* b : r->netbuses)
         if (b->getDesign() == design) kalaccess::setDesign(b, nullptr);
     for (kaldualport* p : r->dualPorts)
-        if (p->getDesign() == design) p->setDesign(nullptr);
+        if (p->getDesign() == design) kalaccess::setDesign(p, nullptr);
     for (kaldualportbus* b : r->dualPortbuses)
-        if (b->getDesign() == design) b->setDesign(nullptr);
+        if (b->getDesign() == design) kalaccess::setDesign(b, nullptr);
     for (kalcomponent* c : r->instances)
         if (c->parentDesign == design) c->parentDesign = nullptr;
     delete r;

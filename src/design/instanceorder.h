@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The design's instance list in order of placement, with an index from an
 // instance to its entries so that taking one out does not walk the list.
 // Removal gives exactly what std::list::remove gives (every entry of that

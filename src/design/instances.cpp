@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Instance removal: detaching an instance's ports, pruning the nets that lose
 // their point, destroying the instance and reporting it.
 #include <set>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A hash index over one of a design's name maps (nets, instances). The maps
 // are std::map, and W1-sized designs hold millions of nets: a lookup by name
 // walked some 22 tree levels, most of them cache misses. The index points at

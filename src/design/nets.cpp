@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Net and net bus editing: renames, range changes and removals.
 #include <memory>
 

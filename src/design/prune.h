@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The rule that decides whether a net still earns its place after a port has
 // left it: it must join at least one driver to at least one receiver.
 #ifndef KALDATA_SRC_DESIGN_PRUNE_H

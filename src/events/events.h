@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The library's only door to the event service. A record is created, filled
 // with keys in order and sent; when the service hands out no object the record
 // is dropped silently and the change that caused it stands.

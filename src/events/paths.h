@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Builders for the path strings that fill record values. Every path that a
 // record carries is made here, so that the formats live in one place.
 #ifndef KALDATA_SRC_EVENTS_PATHS_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The internal event adapter against the recorder: key order, fixed source and
 // fourth string, and the silent drop when the service gives no object.
 #include "events/events.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The model checker, as the tests use it.
 #ifndef KALDATA_TESTS_SUPPORT_CHECKER_H
 #define KALDATA_TESTS_SUPPORT_CHECKER_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Shared test helpers: string literals as the pointer arguments the API takes,
 // and a fixture that starts every test with an empty, live recorder.
 #ifndef KALDATA_TESTS_SUPPORT_FIXTURES_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A fixture with a root component "top" and its design "rtl", and helpers
 // that make instances, ports and nets on first use. Every test ends with the
 // model checker and a leak-free teardown.
