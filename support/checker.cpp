@@ -33,8 +33,9 @@ bool maps(const Map& registered, const T* x) {
         if (entry.second == x) return true;
     return false;
 }
+// Made with a direction outside 1..3: no slots (and no name, unless renamed since).
 bool emptyBus(const kalportbus* b) {
-    return !b->getName() && b->getBits().empty();
+    return b->getBits().empty();
 }
 bool held(const kalportbus* b) {
     return !b || (b->getComponent() && maps(b->getComponent()->data->portbuses, b));
