@@ -98,7 +98,8 @@ struct checker {
                 if (bit->getBus() != b && !held(bit->getBus()))
                     fail(at, "bit " + text(bit->getName()) + " belongs to a bus that is not held");
                 auto it = bit->getName() ? c->data->ports.find(*bit->getName()) : c->data->ports.end();
-                if (it == c->data->ports.end() || it->second != bit)
+                // An empty port (no name: a direction outside 1..3) that became a bit is keyed by its bit name.
+                if (bit->getName() && (it == c->data->ports.end() || it->second != bit))
                     fail(at, "bit " + text(bit->getName()) + " is not registered under its name");
             }
         }
