@@ -258,7 +258,16 @@ public:
         // What was handed back goes before the tree or after it.
         const bool keptLast = setup & 4u;
         trace("end: kept objects destroyed %s the tree\n", keptLast ? "after" : "before");
-        if (!keptLast) held.destroyAll(setup & 8u);
+        if (!keptLast) {
+            // A dying kept dual port can take its bus out of a live design's map.
+            std::vector<scope> before, after;
+            walk(top, &before, nullptr);
+            const std::map<kaldualportbus*, kaldesign*> mapped = dualBuses(before);
+            held.destroyAll(setup & 8u);
+            walk(top, &after, nullptr);
+            adoptDroppedDualBuses(mapped, nullptr, after);
+            held.destroyAll(setup & 8u);
+        }
         release(top);
         if (keptLast) held.destroyAll(setup & 8u);
         // The kept components' leftovers, once they are gone too.

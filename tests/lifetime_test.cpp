@@ -114,6 +114,21 @@ TEST_F(lifetime, netbus_handed_back_loses_a_bit_to_removeNet) {
     EXPECT_EQ(fresh->getBits()[1], d->getNet(S("b[0]")));
 }
 
+TEST_F(lifetime, netbus_handed_back_leaves_its_name_to_a_new_bus) {
+    kalnetbus* bus = d->getNetbus(S("b"));
+    ASSERT_TRUE(d->removeNetbus(S("b")));
+    ASSERT_TRUE(d->addNetbus(S("b"), S(""), S("b"), 3, 2, nullptr));
+    kalnetbus* fresh = d->getNetbus(S("b"));
+    kalrecorder::clear();
+    // A bit of the old bus dies: the new bus keeps its name and its place.
+    EXPECT_TRUE(d->removeNet(S("b[0]")));
+    EXPECT_EQ(records(),
+              (lines{"connect/rem net=top::rtl/b[0] port=top/u1/q[0]", "net/rem net=top::rtl/b[0]"}));
+    EXPECT_EQ(d->getNetbus(S("b")), fresh);
+    EXPECT_EQ(bus->getBits()[1], nullptr);
+    delete bus;
+}
+
 TEST_F(lifetime, netbus_made_by_the_caller_over_design_nets) {
     std::vector<kalnet*> nets{d->getNet(S("w")), d->getNet(S("b[0]"))};
     // No design ever held it and none handed it back: like every such bus it

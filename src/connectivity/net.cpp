@@ -186,8 +186,10 @@ kalnet::~kalnet() {
         b->disconnect(this);
         // A bus that removeNetbus handed back is the caller's: it loses this
         // bit but is not destroyed with it.
+        // Nor does it call back into the design: its name there may belong to
+        // another bus by now.
         const bool callers = kalaccess::handedBack(b);
-        if (b->getDesign() && b->getName()) {
+        if (!callers && b->getDesign() && b->getName()) {
             const std::string busName = *b->getName();  // the design may drop the bus's name with it
             b->getDesign()->removeNetbus(&busName);
         }

@@ -171,7 +171,8 @@ bool kaldesign::removeNet(const std::string* name) {
     kalevents::emit("net", "rem", "net", kalpaths::designPath(net->getDesign(), netName));
     nets.erase(netName);
     kalnetbus* bus = net->getBus();
-    std::vector<kalnet*> bits = bus ? bus->getBits() : std::vector<kalnet*>();
+    // A bus handed back by removeNetbus is the caller's: no longer the design's to drop.
+    std::vector<kalnet*> bits = bus && !kalaccess::handedBack(bus) ? bus->getBits() : std::vector<kalnet*>();
     if (!bits.empty()) {
         std::size_t connected = 0;
         for (kalnet* bit : bits)
@@ -180,10 +181,8 @@ bool kaldesign::removeNet(const std::string* name) {
             const std::string busName = *bus->getName();
             const std::string path = kalpaths::designPath(bus->getDesign(), busName);
             kaldesign* owning = bus->getDesign() ? bus->getDesign() : this;
-            // A bus handed back by removeNetbus is the caller's to destroy.
-            const bool callers = kalaccess::handedBack(bus);
             owning->removeNetbus(&busName);
-            if (!callers) delete bus;
+            delete bus;
             kalevents::emit("netbus", "rem", "netbus",
                             path);  // the bus is reported a second time, as consumers expect
         }
