@@ -32,6 +32,12 @@ KALSUPPORT_API void release(kalcomponent* root);
 // component that its design destroys itself.
 KALSUPPORT_API void releaseLeftovers(kalcomponent* component);
 
+// The model below a root component as deterministic text, one line per
+// component, design, instance, parameter, file set, generator, LPC value,
+// port, port bus, net (with its connected ports), net bus and dual port, with
+// exports and attributes: equal models give equal text.
+KALSUPPORT_API std::string dumpModel(kalcomponent* root);
+
 }  // namespace kalsupport
 
 #endif
