@@ -1144,12 +1144,19 @@ struct resolver {
                 netOfRoot[g.first + s] = static_cast<unsigned>(ds.nets.size());
                 netP n;
                 n.name = g.nodeName(s);
-                if (!g.bus) {
-                    n.text = g.text;
-                    n.hasText = g.hasText;
-                    n.attrs = g.attrs;
-                }
                 ds.nets.push_back(std::move(n));
+            }
+        }
+        // A net's text and attributes come from every scalar connection or
+        // declaration that joined it, the bit of a net bus included.
+        for (auto& g : groups) {
+            if (g.bus || (g.attrs.empty() && !g.hasText)) continue;
+            netP& n = ds.nets[netOfRoot[findRoot(g.first)]];
+            for (auto& a : g.attrs)
+                n.attrs.push_back(a);
+            if (g.hasText) {
+                n.text = g.text;
+                n.hasText = true;
             }
         }
         {
