@@ -61,8 +61,8 @@ struct progress {
 
 kalipxact::loadResult loadOrReport(const std::string& dir, const std::string& top) {
     progress p;
-    kalipxact::loadResult r =
-        kalipxact::load(dir, top, [&p](const char* phase, std::size_t done, std::size_t total) { p(phase, done, total); });
+    kalipxact::loadResult r = kalipxact::load(
+        dir, top, [&p](const char* phase, std::size_t done, std::size_t total) { p(phase, done, total); });
     p.end();
     if (!r.ok) std::fprintf(stderr, "kaldata: error: %s\n", r.error.str().c_str());
     return r;
@@ -85,8 +85,8 @@ struct counts {
     std::size_t instances = 0, ports = 0, nets = 0, connections = 0;
 };
 
-void statLevel(kalcomponent* c, const std::string& path, int depth, std::vector<std::pair<std::string, counts>>& rows,
-               std::map<int, counts>& levels) {
+void statLevel(kalcomponent* c, const std::string& path, int depth,
+               std::vector<std::pair<std::string, counts>>& rows, std::map<int, counts>& levels) {
     for (auto& [key, d] : c->data->designs) {
         if (!d) continue;
         counts n;
@@ -119,7 +119,8 @@ int runStat(const std::vector<std::string>& args) {
     statLevel(r.root, *r.root->data->instanceName, 0, rows, levels);
     std::printf("%-60s %10s %10s %10s %12s\n", "level design", "instances", "ports", "nets", "connections");
     for (auto& [name, n] : rows)
-        std::printf("%-60s %10zu %10zu %10zu %12zu\n", name.c_str(), n.instances, n.ports, n.nets, n.connections);
+        std::printf("%-60s %10zu %10zu %10zu %12zu\n", name.c_str(), n.instances, n.ports, n.nets,
+                    n.connections);
     for (auto& [depth, n] : levels)
         std::printf("%-60s %10zu %10zu %10zu %12zu\n", ("level " + std::to_string(depth) + " total").c_str(),
                     n.instances, n.ports, n.nets, n.connections);
@@ -201,23 +202,27 @@ int runRecords(const std::vector<std::string>& args) {
 
 const command commands[] = {
     {"stat",
-     "usage: kaldata stat DIR VLNV\n\nLoads VLNV (a component, design or design configuration) from the IP-XACT\n"
+     "usage: kaldata stat DIR VLNV\n\nLoads VLNV (a component, design or design configuration) from the "
+     "IP-XACT\n"
      "documents below DIR and prints, per design of the hierarchy (depth, path::design)\n"
      "and per depth, the number of instances, ports (the owner's and its instances'),\n"
      "nets and connections (ports on nets).\n",
      runStat},
     {"check",
-     "usage: kaldata check DIR VLNV\n\nLoads VLNV from the IP-XACT documents below DIR, prints every warning of\n"
+     "usage: kaldata check DIR VLNV\n\nLoads VLNV from the IP-XACT documents below DIR, prints every warning "
+     "of\n"
      "the reader (what it skipped, with file and line) and every problem the model\n"
      "checker finds. Exit status 1 when the load fails or the model has problems.\n",
      runCheck},
     {"convert",
-     "usage: kaldata convert DIR VLNV --to FORMAT OUTDIR\n\nLoads VLNV from the IP-XACT documents below DIR and writes it into OUTDIR.\n"
+     "usage: kaldata convert DIR VLNV --to FORMAT OUTDIR\n\nLoads VLNV from the IP-XACT documents below DIR "
+     "and writes it into OUTDIR.\n"
      "Formats: ipxact (one component document per VLNV and one design document per\n"
      "design, laid out vendor/library/name/version/). Prints the files written.\n",
      runConvert},
     {"records",
-     "usage: kaldata records DIR VLNV\n\nLoads VLNV from the IP-XACT documents below DIR and prints every record the\n"
+     "usage: kaldata records DIR VLNV\n\nLoads VLNV from the IP-XACT documents below DIR and prints every "
+     "record the\n"
      "load sends to the event service, one per line, in order.\n",
      runRecords},
 };

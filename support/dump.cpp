@@ -40,8 +40,8 @@ void component(std::ostream& o, const std::string& pad, kalcomponent* c);
 
 void design(std::ostream& o, const std::string& pad, const std::string& key, kaldesign* d) {
     kalcomponent* owner = d->owner;
-    o << pad << "design " << key << " " << q(d->identity->getVendor()) << ":" << q(d->identity->getLibrary()) << ":"
-      << q(d->identity->getName()) << ":" << q(d->identity->getVersion()) << "\n";
+    o << pad << "design " << key << " " << q(d->identity->getVendor()) << ":" << q(d->identity->getLibrary())
+      << ":" << q(d->identity->getName()) << ":" << q(d->identity->getVersion()) << "\n";
     std::string in = pad + "  ";
     attributes(o, in, *d->data);
     for (auto& [name, inst] : *d->data->getInstanceMap()) {
@@ -49,8 +49,8 @@ void design(std::ostream& o, const std::string& pad, const std::string& key, kal
         component(o, in + "  ", inst);
     }
     for (auto& [name, b] : *d->data->getNetbusMap()) {
-        o << in << "netbus " << name << " [" << b->getMsb() << ":" << b->getLsb() << "] text=" << q(b->getText())
-          << " bits";
+        o << in << "netbus " << name << " [" << b->getMsb() << ":" << b->getLsb()
+          << "] text=" << q(b->getText()) << " bits";
         for (kalnet* n : b->getBits())
             o << " " << (n && n->getName() ? *n->getName() : std::string("-"));
         o << "\n";
@@ -61,8 +61,9 @@ void design(std::ostream& o, const std::string& pad, const std::string& key, kal
         for (kalport* p : n->getPorts())
             ports.push_back(portPath(p, owner));
         std::sort(ports.begin(), ports.end());
-        o << in << "net " << name << " text=" << q(n->getText()) << " bus="
-          << (n->getBus() && n->getBus()->getName() ? *n->getBus()->getName() : std::string("-")) << " ports";
+        o << in << "net " << name << " text=" << q(n->getText())
+          << " bus=" << (n->getBus() && n->getBus()->getName() ? *n->getBus()->getName() : std::string("-"))
+          << " ports";
         for (auto& p : ports)
             o << " " << p;
         o << "\n";
@@ -80,8 +81,8 @@ void design(std::ostream& o, const std::string& pad, const std::string& key, kal
 
 void component(std::ostream& o, const std::string& pad, kalcomponent* c) {
     o << pad << "component " << q(c->identity->getVendor()) << ":" << q(c->identity->getLibrary()) << ":"
-      << q(c->identity->getName()) << ":" << q(c->identity->getVersion()) << " instanceName=" << q(c->data->instanceName)
-      << " clockSource=" << c->getClockSourceState() << "\n";
+      << q(c->identity->getName()) << ":" << q(c->identity->getVersion())
+      << " instanceName=" << q(c->data->instanceName) << " clockSource=" << c->getClockSourceState() << "\n";
     std::string in = pad + "  ";
     attributes(o, in, *c->data);
     for (auto& [name, p] : c->data->parameters) {
@@ -90,8 +91,8 @@ void component(std::ostream& o, const std::string& pad, kalcomponent* c) {
         attributes(o, in + "  ", *p);
     }
     for (auto& [name, b] : c->data->portbuses) {
-        o << in << "portbus " << name << " [" << b->getMsb() << ":" << b->getLsb() << "] dir=" << b->getDirection()
-          << " text=" << q(b->getText()) << "\n";
+        o << in << "portbus " << name << " [" << b->getMsb() << ":" << b->getLsb()
+          << "] dir=" << b->getDirection() << " text=" << q(b->getText()) << "\n";
         attributes(o, in + "  ", *b);
     }
     for (auto& [name, p] : c->data->ports) {
@@ -106,8 +107,8 @@ void component(std::ostream& o, const std::string& pad, kalcomponent* c) {
     }
     for (auto& [name, fs] : c->data->filesets) {
         if (!fs) continue;
-        o << in << "fileset " << name << " second=" << q(fs->getSecondField()) << " third=" << q(fs->getThirdField())
-          << "\n";
+        o << in << "fileset " << name << " second=" << q(fs->getSecondField())
+          << " third=" << q(fs->getThirdField()) << "\n";
         attributes(o, in + "  ", *fs);
         for (kalfile* f : fs->getFiles()) {
             o << in << "  file " << q(f->getName()) << " second=" << q(f->getSecondField())

@@ -12,11 +12,14 @@ struct leftovers {
     std::set<kalgenerators*> registries;
     std::set<kalgenerator*> generators;
     std::set<kalgeneratorgroup*> groups;
+    std::set<kallpc*> lpcs;
 
     void collect(kalcomponent* c) {
         if (!c || !c->data) return;
         for (auto& f : c->data->filesets)
             filesets.insert(f.second);
+        for (kallpc* l : c->data->lpcs)
+            lpcs.insert(l);
         if (kalgenerators* g = c->data->generators) {
             registries.insert(g);
             for (auto& e : g->getGeneratorMap())
@@ -39,6 +42,8 @@ struct leftovers {
             delete g;
         for (auto* r : registries)
             delete r;
+        for (auto* l : lpcs)
+            delete l;
     }
 };
 

@@ -31,8 +31,8 @@ KALIPXACT_API extern const char* const extensionNamespace;
 // vendor:library:name:version
 struct KALIPXACT_API vlnv {
     std::string vendor, library, name, version;
-    std::string str() const;                                  // "v:l:n:ver"
-    static bool parse(const std::string& text, vlnv& out);   // false unless four non-empty parts
+    std::string str() const;                                // "v:l:n:ver"
+    static bool parse(const std::string& text, vlnv& out);  // false unless four non-empty parts
     bool operator<(const vlnv& o) const;
     bool operator==(const vlnv& o) const;
 };
@@ -50,10 +50,10 @@ struct KALIPXACT_API message {
 using progressFn = std::function<void(const char* phase, std::size_t done, std::size_t total)>;
 
 struct KALIPXACT_API loadResult {
-    kalcomponent* root = nullptr;    // the caller's; free with kalsupport::release
-    bool ok = false;                 // false: root is null and nothing was created or sent
-    message error;                   // set when !ok
-    std::vector<message> warnings;   // what was skipped, with file and line
+    kalcomponent* root = nullptr;   // the caller's; free with kalsupport::release
+    bool ok = false;                // false: root is null and nothing was created or sent
+    message error;                  // set when !ok
+    std::vector<message> warnings;  // what was skipped, with file and line
 };
 
 // Loads the hierarchy under `top` (a component, design or design configuration

@@ -198,9 +198,9 @@ struct parser {
     }
     static int digit(char c, int base) {
         int d = std::isdigit(static_cast<unsigned char>(c)) ? c - '0'
-                : (c >= 'a' && c <= 'f')                  ? c - 'a' + 10
-                : (c >= 'A' && c <= 'F')                  ? c - 'A' + 10
-                                                          : 99;
+                : (c >= 'a' && c <= 'f')                    ? c - 'a' + 10
+                : (c >= 'A' && c <= 'F')                    ? c - 'A' + 10
+                                                            : 99;
         return d < base ? d : -1;
     }
     bool based(std::int64_t& v) {  // at the quote of 'h1F, 'b101, 'd9, 'o7 (also 'sh...)
@@ -213,7 +213,8 @@ struct parser {
         std::uint64_t r = 0;
         bool any = false;
         while (i < s.size() && (digit(s[i], base) >= 0 || s[i] == '_')) {
-            if (s[i] != '_') r = r * static_cast<std::uint64_t>(base) + static_cast<std::uint64_t>(digit(s[i], base));
+            if (s[i] != '_')
+                r = r * static_cast<std::uint64_t>(base) + static_cast<std::uint64_t>(digit(s[i], base));
             any = true;
             ++i;
         }

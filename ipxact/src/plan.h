@@ -16,6 +16,7 @@ namespace detail {
 
 struct attrP {
     std::string name, value, vendor;
+    bool hasVendor = true;  // set with a vendor, or through the value-only form
 };
 
 struct portP {

@@ -76,7 +76,9 @@ struct document {
     vlnv id;
     pugi::xml_node root;
 
-    unsigned line(pugi::xml_node n) const { return lineAt(n ? static_cast<std::size_t>(n.offset_debug()) : 0); }
+    unsigned line(pugi::xml_node n) const {
+        return lineAt(n ? static_cast<std::size_t>(n.offset_debug()) : 0);
+    }
     unsigned lineAt(std::size_t offset) const {
         if (offset > buffer.size()) return 0;
         return 1 + static_cast<unsigned>(std::count(buffer.begin(), buffer.begin() + offset, '\n'));
@@ -90,7 +92,9 @@ struct document {
             if (c.type() == pugi::node_element && is(c, local)) return c;
         return pugi::xml_node();
     }
-    std::string text(pugi::xml_node n, const char* local) const { return trimmed(child(n, local).child_value()); }
+    std::string text(pugi::xml_node n, const char* local) const {
+        return trimmed(child(n, local).child_value());
+    }
     template <class F>
     void each(pugi::xml_node n, const char* local, F f) const {
         for (pugi::xml_node c = n.first_child(); c; c = c.next_sibling())
@@ -205,9 +209,9 @@ struct resolver {
     plan out;
     std::vector<message> warnings;
     std::set<std::string> warned;
-    std::map<std::string, componentInfo> cache;         // resolved components by VLNV and parameter values
+    std::map<std::string, componentInfo> cache;          // resolved components by VLNV and parameter values
     std::map<const componentP*, componentInfo*> infoOf;  // the same, by plan
-    std::vector<std::string> stack;                     // VLNVs being resolved, for loops
+    std::vector<std::string> stack;                      // VLNVs being resolved, for loops
     progressFn progress;
     std::size_t seen = 0;
 
@@ -226,10 +230,11 @@ struct resolver {
         auto d = std::make_unique<document>();
         d->name = std::move(name);
         d->buffer = std::move(text);
-        pugi::xml_parse_result r = d->xml.load_buffer_inplace(&d->buffer[0], d->buffer.size(),
-                                                              pugi::parse_default & ~pugi::parse_wconv_attribute);
-        if (!r) throw loadFailure{message{d->name, d->lineAt(static_cast<std::size_t>(r.offset)),
-                                          std::string("malformed XML: ") + r.description()}};
+        pugi::xml_parse_result r = d->xml.load_buffer_inplace(
+            &d->buffer[0], d->buffer.size(), pugi::parse_default & ~pugi::parse_wconv_attribute);
+        if (!r)
+            throw loadFailure{message{d->name, d->lineAt(static_cast<std::size_t>(r.offset)),
+                                      std::string("malformed XML: ") + r.description()}};
         d->root = d->xml.document_element();
         if (!d->root || !prefixOf(d->root, ipxactNamespace(), d->ip) ||
             std::strncmp(d->root.name(), d->ip.c_str(), d->ip.size()) != 0) {
@@ -246,8 +251,9 @@ struct resolver {
         auto it = index.find(d->id);
         if (it != index.end())
             throw loadFailure{message{d->name, d->line(d->root),
-                                      "duplicate VLNV " + d->id.str() + ", also defined by " + it->second->name +
-                                          ":" + std::to_string(it->second->line(it->second->root))}};
+                                      "duplicate VLNV " + d->id.str() + ", also defined by " +
+                                          it->second->name + ":" +
+                                          std::to_string(it->second->line(it->second->root))}};
         index[d->id] = d.get();
         docs.push_back(std::move(d));
     }
@@ -256,7 +262,8 @@ struct resolver {
         auto it = index.find(id);
         if (it == index.end()) from.fail(at, std::string("missing document: no ") + kind + " " + id.str());
         if (it->second->kind != kind)
-            from.fail(at, id.str() + " is a " + it->second->kind + " (" + it->second->name + "), not a " + kind);
+            from.fail(at,
+                      id.str() + " is a " + it->second->kind + " (" + it->second->name + "), not a " + kind);
         return *it->second;
     }
 
@@ -283,17 +290,18 @@ struct resolver {
     }
     static std::vector<attrP>* attrTarget(std::vector<attrP>& v) { return &v; }
     static void attribute(pugi::xml_node c, std::vector<attrP>& into) {
-        into.push_back(attrP{c.attribute("name").value(), c.attribute("value").value(), c.attribute("vendor").value()});
+        into.push_back(attrP{c.attribute("name").value(), c.attribute("value").value(),
+                             c.attribute("vendor").value(), !c.attribute("vendor").empty()});
     }
 
     // ---- components
-    const componentP& component(const vlnv& id, const document& from, pugi::xml_node at,
-                                const std::map<std::string, std::pair<bool, std::pair<std::int64_t, std::string>>>&
-                                    overrides) {
+    const componentP& component(
+        const vlnv& id, const document& from, pugi::xml_node at,
+        const std::map<std::string, std::pair<bool, std::pair<std::int64_t, std::string>>>& overrides) {
         std::string key = id.str();
         for (auto& o : overrides)
-            key += "|" + o.first + "=" + (o.second.first ? "s:" + o.second.second.second
-                                                         : std::to_string(o.second.second.first));
+            key += "|" + o.first + "=" +
+                   (o.second.first ? "s:" + o.second.second.second : std::to_string(o.second.second.first));
         if (std::find(stack.begin(), stack.end(), id.str()) != stack.end()) {
             std::string loop;
             for (auto& s : stack)
@@ -352,9 +360,9 @@ struct resolver {
             if (!module.empty() && !have) c.attrs.push_back(attrP{"moduleName", module, "ipxact"});
         });
 
-        static const std::set<std::string> paramAttrs = {"parameterId", "prompt", "choiceRef", "order",
-                                                         "configGroups", "minimum", "maximum", "type",
-                                                         "sign", "prefix", "unit", "resolve", "id"};
+        static const std::set<std::string> paramAttrs = {
+            "parameterId", "prompt", "choiceRef", "order", "configGroups", "minimum", "maximum",
+            "type",        "sign",   "prefix",    "unit",  "resolve",      "id"};
         for (auto& [e, p] : modelParams) {
             paramP pp;
             pp.name = d.text(p, "name");
@@ -393,7 +401,9 @@ struct resolver {
             std::string dir = d.text(wire, "direction");
             pp.dir = dir == "in" ? 1 : dir == "out" ? 2 : dir == "inout" ? 3 : 0;
             if (!pp.dir) {
-                warn(d, wire, "port " + xmlName + " has direction \"" + dir + "\", which the model cannot hold; skipped");
+                warn(d, wire,
+                     "port " + xmlName + " has direction \"" + dir +
+                         "\", which the model cannot hold; skipped");
                 return;
             }
             pugi::xml_node vec = d.child(d.child(wire, "vectors"), "vector");
@@ -402,7 +412,8 @@ struct resolver {
                 std::int64_t lv = evalIn(sc, d, l, trimmed(l.child_value()));
                 std::int64_t rv = evalIn(sc, d, r, trimmed(r.child_value()));
                 if (lv < 0 || rv < 0 || lv > 0x7fffffff || rv > 0x7fffffff)
-                    d.fail(vec, "port " + xmlName + " has a vector bound outside 0.." + std::to_string(0x7fffffff));
+                    d.fail(vec, "port " + xmlName + " has a vector bound outside 0.." +
+                                    std::to_string(0x7fffffff));
                 if ((lv > rv ? lv - rv : rv - lv) >= 65536)
                     d.fail(vec, "port " + xmlName + " is wider than 65536 bits");
                 pp.bus = true;
@@ -424,7 +435,8 @@ struct resolver {
                 if (!std::strcmp(n, "bit")) {
                     pp.bitAttrs.emplace_back(x.attribute("index").as_uint(), std::vector<attrP>());
                     for (pugi::xml_node a = x.first_child(); a; a = a.next_sibling())
-                        if (!std::strcmp(localName(a.name()), "attribute")) attribute(a, pp.bitAttrs.back().second);
+                        if (!std::strcmp(localName(a.name()), "attribute"))
+                            attribute(a, pp.bitAttrs.back().second);
                 }
             });
             if (info.portByXml.count(xmlName)) d.fail(p, "port " + xmlName + " is defined twice");
@@ -446,7 +458,8 @@ struct resolver {
         pugi::xml_node bis = d.child(root, "busInterfaces");
         if (bis)
             warnOnce(d, bis, "busif",
-                     "bus interfaces are not kept in the model (only their port maps, to flatten interconnections)");
+                     "bus interfaces are not kept in the model (only their port maps, to flatten "
+                     "interconnections)");
         d.each(bis, "busInterface", [&](pugi::xml_node bi) {
             std::vector<busMap>& maps = info.busIfs[d.text(bi, "name")];
             pugi::xml_node ats = d.child(bi, "abstractionTypes");
@@ -484,9 +497,10 @@ struct resolver {
                             m.indices.push_back(static_cast<std::int64_t>(k));
                     }
                     if (m.indices.size() != m.bits.size()) {
-                        warn(d, pm, "port map of " + m.logical + " pairs " + std::to_string(m.indices.size()) +
-                                        " logical with " + std::to_string(m.bits.size()) +
-                                        " physical bits; the extra bits are not connected");
+                        warn(d, pm,
+                             "port map of " + m.logical + " pairs " + std::to_string(m.indices.size()) +
+                                 " logical with " + std::to_string(m.bits.size()) +
+                                 " physical bits; the extra bits are not connected");
                         std::size_t n = std::min(m.indices.size(), m.bits.size());
                         m.indices.resize(n);
                         m.bits.resize(n);
@@ -497,10 +511,9 @@ struct resolver {
         });
 
         // What the model has no place for.
-        static const char* const skipped[] = {"indirectInterfaces", "channels",     "remapStates",
-                                              "addressSpaces",      "memoryMaps",   "choices",
-                                              "whiteboxElements",   "cpus",         "otherClockDrivers",
-                                              "resetTypes",         "assertions"};
+        static const char* const skipped[] = {
+            "indirectInterfaces", "channels", "remapStates",       "addressSpaces", "memoryMaps", "choices",
+            "whiteboxElements",   "cpus",     "otherClockDrivers", "resetTypes",    "assertions"};
         for (const char* s : skipped)
             if (pugi::xml_node n = d.child(root, s))
                 warn(d, n, std::string(s) + " skipped: the model has no place for them");
@@ -579,13 +592,15 @@ struct resolver {
         std::vector<std::pair<const designP*, std::string>> found;
         pugi::xml_node views = d.child(model, "views");
         d.each(views, "view", [&](pugi::xml_node v) {
-            std::string di = d.text(v, "designInstantiationRef"), dci = d.text(v, "designConfigurationInstantiationRef");
+            std::string di = d.text(v, "designInstantiationRef"),
+                        dci = d.text(v, "designConfigurationInstantiationRef");
             if (!di.empty()) {
                 pugi::xml_node inst;
                 d.each(insts, "designInstantiation", [&](pugi::xml_node x) {
                     if (d.text(x, "name") == di) inst = x;
                 });
-                if (!inst) d.fail(v, "view refers to design instantiation " + di + ", which the component lacks");
+                if (!inst)
+                    d.fail(v, "view refers to design instantiation " + di + ", which the component lacks");
                 pugi::xml_node ref = d.child(inst, "designRef");
                 addDesign(found, refOf(ref), d, ref, sc, ref);
             }
@@ -628,20 +643,22 @@ struct resolver {
         }
         std::int64_t l = evalIn(sc, d, d.child(range, "left"), d.text(range, "left"));
         std::int64_t r = evalIn(sc, d, d.child(range, "right"), d.text(range, "right"));
-        std::int64_t lo = port.bus ? std::min(port.msb, port.lsb) : 0, hi = port.bus ? std::max(port.msb, port.lsb) : 0;
+        std::int64_t lo = port.bus ? std::min(port.msb, port.lsb) : 0,
+                     hi = port.bus ? std::max(port.msb, port.lsb) : 0;
         if (l < lo || l > hi || r < lo || r > hi)
-            d.fail(range, std::string(what) + ": part select [" + std::to_string(l) + ":" + std::to_string(r) +
-                              "] lies outside port " + port.name +
-                              (port.bus ? " [" + std::to_string(port.msb) + ":" + std::to_string(port.lsb) + "]"
-                                        : std::string(" (a scalar port)")));
+            d.fail(range,
+                   std::string(what) + ": part select [" + std::to_string(l) + ":" + std::to_string(r) +
+                       "] lies outside port " + port.name +
+                       (port.bus ? " [" + std::to_string(port.msb) + ":" + std::to_string(port.lsb) + "]"
+                                 : std::string(" (a scalar port)")));
         for (std::int64_t k = l;; k += (l > r ? -1 : 1)) {
             bits.push_back(static_cast<unsigned>(k));
             if (k == r) break;
         }
     }
 
-    void addDesign(std::vector<std::pair<const designP*, std::string>>& found, const vlnv& id, const document& from,
-                   pugi::xml_node at, const scope& owner, pugi::xml_node overridesAt) {
+    void addDesign(std::vector<std::pair<const designP*, std::string>>& found, const vlnv& id,
+                   const document& from, pugi::xml_node at, const scope& owner, pugi::xml_node overridesAt) {
         for (auto& f : found)
             if (f.first->id == id) return;  // several views, one design
         found.push_back({&design(id, from, at, owner, overridesAt), ""});
@@ -694,15 +711,16 @@ struct resolver {
             ip.name = xmlName;
             pugi::xml_node ref = d.child(ci, "componentRef");
             std::map<std::string, std::pair<bool, std::pair<std::int64_t, std::string>>> ov;
-            d.each(d.child(ref, "configurableElementValues"), "configurableElementValue", [&](pugi::xml_node v) {
-                scope::entry e;
-                e.expr = trimmed(v.child_value());
-                e.doc = &d;
-                e.node = v;
-                e.evalIn = &sc;
-                settle(e);
-                ov[v.attribute("referenceId").value()] = {e.isString, {e.value, e.str}};
-            });
+            d.each(d.child(ref, "configurableElementValues"), "configurableElementValue",
+                   [&](pugi::xml_node v) {
+                       scope::entry e;
+                       e.expr = trimmed(v.child_value());
+                       e.doc = &d;
+                       e.node = v;
+                       e.evalIn = &sc;
+                       settle(e);
+                       ov[v.attribute("referenceId").value()] = {e.isString, {e.value, e.str}};
+                   });
             std::vector<attrP> attrs;
             bool replaceAttrs = false;
             std::vector<std::pair<std::string, std::string>> paramValues;
@@ -745,17 +763,19 @@ struct resolver {
 
     // An instance whose own content differs from its component's document (the
     // writer notes such differences in the instance's extensions).
-    const componentP& variant(const componentP& base, const document& d, pugi::xml_node at, bool replaceAttrs,
-                              const std::vector<attrP>& attrs,
-                              const std::vector<std::pair<std::string, std::string>>& values,
-                              const std::vector<std::pair<std::string, std::pair<unsigned, unsigned>>>& ranges) {
+    const componentP& variant(
+        const componentP& base, const document& d, pugi::xml_node at, bool replaceAttrs,
+        const std::vector<attrP>& attrs, const std::vector<std::pair<std::string, std::string>>& values,
+        const std::vector<std::pair<std::string, std::pair<unsigned, unsigned>>>& ranges) {
         auto owned = std::make_unique<componentP>(base);
         componentP& c = *owned;
         out.components.push_back(std::move(owned));
         if (replaceAttrs) c.attrs = attrs;
         for (auto& [name, value] : values) {
-            auto it = std::find_if(c.params.begin(), c.params.end(), [&](const paramP& p) { return p.name == name; });
-            if (it == c.params.end()) d.fail(at, "instance sets parameter " + name + ", which its component lacks");
+            auto it = std::find_if(c.params.begin(), c.params.end(),
+                                   [&](const paramP& p) { return p.name == name; });
+            if (it == c.params.end())
+                d.fail(at, "instance sets parameter " + name + ", which its component lacks");
             it->value = value;
         }
         if (!ranges.empty() && !c.designs.empty())
@@ -763,8 +783,10 @@ struct resolver {
         for (auto& [name, range] : ranges) {
             auto it = std::find_if(c.ports.begin(), c.ports.end(),
                                    [&](const portP& p) { return p.bus && p.name == name; });
-            if (it == c.ports.end()) d.fail(at, "instance sets the range of port bus " + name + ", which its component lacks");
-            if ((range.first > range.second ? range.first - range.second : range.second - range.first) >= 65536)
+            if (it == c.ports.end())
+                d.fail(at, "instance sets the range of port bus " + name + ", which its component lacks");
+            if ((range.first > range.second ? range.first - range.second : range.second - range.first) >=
+                65536)
                 d.fail(at, "port bus " + name + " is wider than 65536 bits");
             it->msb = range.first;
             it->lsb = range.second;
@@ -797,8 +819,8 @@ struct resolver {
         }
     };
 
-    void connections(designP& ds, const document& d, const scope& sc, const std::map<std::string, int>& instByXml,
-                     componentInfo* owner) {
+    void connections(designP& ds, const document& d, const scope& sc,
+                     const std::map<std::string, int>& instByXml, componentInfo* owner) {
         pugi::xml_node root = d.root;
         std::vector<group> groups;
         std::vector<unsigned> parent;     // union-find over nodes, the smaller node is the root
@@ -850,7 +872,8 @@ struct resolver {
             if (it != groupByName.end()) {
                 group& old = groups[it->second];
                 if (old.bus != g.bus || old.width() != g.width())
-                    at.fail(where, "connection " + g.name + " has the name of an earlier net of another width");
+                    at.fail(where,
+                            "connection " + g.name + " has the name of an earlier net of another width");
                 for (auto& a : g.attrs)
                     old.attrs.push_back(a);
                 if (g.hasText) {
@@ -883,7 +906,8 @@ struct resolver {
             } else if (bracketed) {
                 for (unsigned s = 0; s < ng.width(); ++s) {
                     auto bit = groupByName.find(ng.nodeName(s));
-                    if (bit != groupByName.end() && !groups[bit->second].bus) unite(ng.first + s, groups[bit->second].first);
+                    if (bit != groupByName.end() && !groups[bit->second].bus)
+                        unite(ng.first + s, groups[bit->second].first);
                 }
             }
             return gi;
@@ -898,18 +922,21 @@ struct resolver {
             }
         };
         auto portOf = [&](int inst, const std::string& xmlName, const document& at, pugi::xml_node where) {
-            const componentInfo& ci = inst < 0 ? *owner : *infoOf.at(ds.insts[static_cast<std::size_t>(inst)].comp);
+            const componentInfo& ci =
+                inst < 0 ? *owner : *infoOf.at(ds.insts[static_cast<std::size_t>(inst)].comp);
             auto it = ci.portByXml.find(xmlName);
             if (it == ci.portByXml.end())
-                at.fail(where, "reference to port " + xmlName + ", which component " + ci.plan->id.str() +
-                                   (inst < 0 ? " (the design's owner)"
-                                             : " of instance " + ds.insts[static_cast<std::size_t>(inst)].name) +
-                                   " lacks");
+                at.fail(where,
+                        "reference to port " + xmlName + ", which component " + ci.plan->id.str() +
+                            (inst < 0 ? " (the design's owner)"
+                                      : " of instance " + ds.insts[static_cast<std::size_t>(inst)].name) +
+                            " lacks");
             return it->second;
         };
         auto instOf = [&](const std::string& xmlName, const document& at, pugi::xml_node where) {
             auto it = instByXml.find(xmlName);
-            if (it == instByXml.end()) at.fail(where, "reference to instance " + xmlName + ", which the design lacks");
+            if (it == instByXml.end())
+                at.fail(where, "reference to instance " + xmlName + ", which the design lacks");
             return it->second;
         };
 
@@ -970,7 +997,8 @@ struct resolver {
                 if (d.is(r, "internalPortReference")) {
                     o.inst = instOf(r.attribute("componentRef").value(), d, r);
                 } else if (d.is(r, "externalPortReference")) {
-                    if (!owner) d.fail(r, "external port reference in a design that has no enclosing component");
+                    if (!owner)
+                        d.fail(r, "external port reference in a design that has no enclosing component");
                     o.inst = -1;
                 } else {
                     continue;
@@ -989,8 +1017,8 @@ struct resolver {
             std::size_t w = all[0].bits.size();
             for (auto& o : all)
                 if (o.bits.size() != w)
-                    d.fail(a, "connection " + g.name + " joins references of different widths (" + std::to_string(w) +
-                                  " and " + std::to_string(o.bits.size()) + " bits)");
+                    d.fail(a, "connection " + g.name + " joins references of different widths (" +
+                                  std::to_string(w) + " and " + std::to_string(o.bits.size()) + " bits)");
             if (w > 1 || std::any_of(all.begin(), all.end(), [&](const one& o) {
                     return o.whole && compOf(o.inst).ports[o.port].bus;
                 })) {
@@ -1010,7 +1038,8 @@ struct resolver {
                             break;
                         }
                 }
-                if (g.width() != w) d.fail(a, "connection " + g.name + " does not match the width of net bus " + g.name);
+                if (g.width() != w)
+                    d.fail(a, "connection " + g.name + " does not match the width of net bus " + g.name);
             }
             unsigned gi = newGroup(std::move(g), d, a);
             unsigned first = groups[gi].first;
@@ -1031,7 +1060,8 @@ struct resolver {
                     inst = instOf(s.attribute("componentRef").value(), d, s);
                     ci = infoOf.at(ds.insts[static_cast<std::size_t>(inst)].comp);
                 } else if (d.is(s, "hierInterface")) {
-                    if (!owner) d.fail(s, "hierarchical interface in a design that has no enclosing component");
+                    if (!owner)
+                        d.fail(s, "hierarchical interface in a design that has no enclosing component");
                     inst = -1;
                     ci = owner;
                 } else {
@@ -1040,7 +1070,8 @@ struct resolver {
                 std::string bus = s.attribute("busRef").value();
                 auto it = ci->busIfs.find(bus);
                 if (it == ci->busIfs.end())
-                    d.fail(s, "reference to bus interface " + bus + ", which component " + ci->plan->id.str() + " lacks");
+                    d.fail(s, "reference to bus interface " + bus + ", which component " +
+                                  ci->plan->id.str() + " lacks");
                 std::vector<busMap> maps = it->second;
                 for (auto& m : maps)
                     for (auto& b : m.bits)
@@ -1061,7 +1092,8 @@ struct resolver {
                 group g;
                 g.name = name + "_" + lname;
                 std::int64_t lo = bits.begin()->first, hi = bits.rbegin()->first;
-                if (lo < 0 || hi - lo >= 65536) d.fail(ic, "logical port " + lname + " has bit numbers out of range");
+                if (lo < 0 || hi - lo >= 65536)
+                    d.fail(ic, "logical port " + lname + " has bit numbers out of range");
                 if (lo != hi) {
                     g.bus = true;
                     g.msb = static_cast<unsigned>(hi);
@@ -1071,10 +1103,12 @@ struct resolver {
                 const group& ng = groups[gi];
                 for (auto& [index, refsOfBit] : bits)
                     for (auto& r : refsOfBit)
-                        attach(ng.first + (ng.bus ? static_cast<unsigned>(ng.msb - index) : 0), r.inst, r.port, r.bit);
+                        attach(ng.first + (ng.bus ? static_cast<unsigned>(ng.msb - index) : 0), r.inst,
+                               r.port, r.bit);
             }
         });
-        if (pugi::xml_node n = d.child(root, "monitorInterconnections")) warn(d, n, "monitor interconnections skipped");
+        if (pugi::xml_node n = d.child(root, "monitorInterconnections"))
+            warn(d, n, "monitor interconnections skipped");
 
         // Exports and dual ports: instance ports and top ports that must exist (and share a net).
         for (pugi::xml_node x : exportNodes) {
@@ -1092,7 +1126,8 @@ struct resolver {
                     std::uint32_t a = claim[bitIndex(inst, port, p.bus ? p.bitAt(s) : 0)],
                                   b = claim[bitIndex(-1, top, t.bus ? t.bitAt(s) : 0)];
                     if (a == UINT32_MAX || b == UINT32_MAX || findRoot(a) != findRoot(b))
-                        d.fail(x, "export of " + p.name + " to " + t.name + ": the two ports are not on one net");
+                        d.fail(x, "export of " + p.name + " to " + t.name +
+                                      ": the two ports are not on one net");
                 }
                 ds.exports.push_back(exportP{inst, port, top});
             } else {
@@ -1102,7 +1137,8 @@ struct resolver {
                     if (std::strcmp(localName(m.name()), "member") != 0) continue;
                     std::string in = m.attribute("instance").value();
                     int inst = in.empty() ? -1 : instOf(in, d, m);
-                    if (inst < 0 && !owner) d.fail(m, "dual port member of a design that has no enclosing component");
+                    if (inst < 0 && !owner)
+                        d.fail(m, "dual port member of a design that has no enclosing component");
                     std::string pn = m.attribute("port").value();
                     // a bus bit is named name[i]; its bus must exist
                     const componentP& cp = compOf(inst);
@@ -1113,7 +1149,9 @@ struct resolver {
                             for (unsigned s = 0; s < p.width() && !ok; ++s)
                                 ok = pn == p.name + "[" + std::to_string(p.bitAt(s)) + "]";
                     }
-                    if (!ok) d.fail(m, "dual port " + dp.name + " lists port " + pn + ", which " + cp.id.str() + " lacks");
+                    if (!ok)
+                        d.fail(m, "dual port " + dp.name + " lists port " + pn + ", which " + cp.id.str() +
+                                      " lacks");
                     dp.members.push_back({inst, pn});
                 }
                 ds.duals.push_back(std::move(dp));
@@ -1172,7 +1210,8 @@ struct resolver {
     // ---- the top
     void resolveTop(const vlnv& id) {
         auto it = index.find(id);
-        if (it == index.end()) throw loadFailure{message{"", 0, "missing document: no document has the VLNV " + id.str()}};
+        if (it == index.end())
+            throw loadFailure{message{"", 0, "missing document: no document has the VLNV " + id.str()}};
         const document& d = *it->second;
         if (d.kind == "component") {
             out.top = &topComponent(id, d);
@@ -1186,7 +1225,8 @@ struct resolver {
             designDoc = &find(refOf(dref), "design", d, dref);
             at = dref;
         } else if (d.kind != "design") {
-            d.fail(d.root, "the top VLNV names a " + d.kind + ", not a component, design or design configuration");
+            d.fail(d.root,
+                   "the top VLNV names a " + d.kind + ", not a component, design or design configuration");
         }
         // A design on its own: a root component of the design's VLNV holds it.
         auto owned = std::make_unique<componentP>();
@@ -1202,9 +1242,7 @@ struct resolver {
         out.top = &c;
     }
 
-    const componentP& topComponent(const vlnv& id, const document& d) {
-        return component(id, d, d.root, {});
-    }
+    const componentP& topComponent(const vlnv& id, const document& d) { return component(id, d, d.root, {}); }
 };
 
 }  // namespace
@@ -1220,7 +1258,18 @@ struct builder {
 
     static void attrs(kalattributes* on, const std::vector<attrP>& list) {
         for (auto& a : list)
-            on->setAttribute(&a.name, &a.value, &a.vendor);
+            if (a.hasVendor)
+                on->setAttribute(&a.name, &a.value, &a.vendor);
+            else
+                on->setAttributeValue(&a.name, &a.value);
+    }
+    template <class Bus>
+    static void busAttrs(Bus* on, const std::vector<attrP>& list) {
+        for (auto& a : list)
+            if (a.hasVendor)
+                on->setAttribute(&a.name, &a.value, &a.vendor, false);
+            else
+                on->setAttributeValue(&a.name, &a.value, false);
     }
     static std::string bitName(const portP& p, unsigned bit) {
         return p.bus ? p.name + "[" + std::to_string(bit) + "]" : p.name;
@@ -1230,14 +1279,15 @@ struct builder {
     kalcomponent* shell(const componentP& c) {
         auto* k = new kalcomponent(&c.id.vendor, &c.id.library, &c.id.name, &c.id.version);
         for (auto& a : c.attrs)
-            k->setAttribute(&a.name, &a.value, &a.vendor);
+            if (a.hasVendor)
+                k->setAttribute(&a.name, &a.value, &a.vendor);
+            else
+                k->setAttributeValue(&a.name, &a.value);
         for (auto& p : c.ports) {
             const std::string* text = p.hasText ? &p.text : nullptr;
             if (p.bus) {
                 k->addPortbus(&p.name, &p.second, p.msb, p.lsb, p.dir, text);
-                kalportbus* b = k->getPortbus(&p.name, false);
-                for (auto& a : p.attrs)
-                    b->setAttribute(&a.name, &a.value, &a.vendor, false);
+                busAttrs(k->getPortbus(&p.name, false), p.attrs);
                 for (auto& [bit, list] : p.bitAttrs) {
                     std::string n = bitName(p, bit);
                     if (kalport* q = k->getPort(&n, false)) attrs(q, list);
@@ -1257,7 +1307,8 @@ struct builder {
             if (!fs) continue;
             attrs(fs, f.attrs);
             for (auto& file : f.files)
-                if (kalfile* kf = k->addFile(&f.name, &file.name, &file.second, &file.third)) attrs(kf, file.attrs);
+                if (kalfile* kf = k->addFile(&f.name, &file.name, &file.second, &file.third))
+                    attrs(kf, file.attrs);
         }
         if (!c.generators.empty()) {
             kalgenerators* reg = k->createGenerators();
@@ -1290,8 +1341,7 @@ struct builder {
                 static const std::string nameKey("Name"), spirit("SPIRIT");
                 d->identity->setAttribute(&nameKey, &dp.id.name, &spirit);
             }
-            for (auto& a : dp.attrs)
-                d->setAttribute(&a.name, &a.value, &a.vendor);
+            attrs(d->data, dp.attrs);
             std::vector<kalcomponent*> made(dp.insts.size());
             for (std::size_t n = 0; n < dp.insts.size(); ++n) {
                 const instP& ip = dp.insts[n];
@@ -1304,11 +1354,8 @@ struct builder {
             }
             for (auto& b : dp.buses)
                 d->addNetbus(&b.name, &empty, &b.name, b.msb, b.lsb, b.hasText ? &b.text : nullptr);
-            for (auto& b : dp.buses) {
-                kalnetbus* nb = d->getNetbus(&b.name);
-                for (auto& a : b.attrs)
-                    nb->setAttribute(&a.name, &a.value, &a.vendor, false);
-            }
+            for (auto& b : dp.buses)
+                busAttrs(d->getNetbus(&b.name), b.attrs);
             for (auto& n : dp.nets) {
                 if (!n.bit) d->addNet(&n.name, &n.name, &empty, n.hasText ? &n.text : nullptr);
                 if (!n.attrs.empty()) attrs(d->getNet(&n.name), n.attrs);
@@ -1319,7 +1366,8 @@ struct builder {
                 const componentP& owner = cn.inst < 0 ? c : *dp.insts[static_cast<std::size_t>(cn.inst)].comp;
                 const portP& p = owner.ports[cn.port];
                 portName = bitName(p, cn.bit);
-                const std::string& inst = cn.inst < 0 ? empty : dp.insts[static_cast<std::size_t>(cn.inst)].name;
+                const std::string& inst =
+                    cn.inst < 0 ? empty : dp.insts[static_cast<std::size_t>(cn.inst)].name;
                 const std::string& net = dp.nets[cn.net].name;
                 if (cn.inst >= 0 && inst == self) {
                     // The design would read this instance name as its owner's own path.
@@ -1372,8 +1420,8 @@ loadResult finish(resolver& r, const std::string& top) {
 }  // namespace
 }  // namespace detail
 
-loadResult loadDocuments(const std::vector<std::pair<std::string, std::string>>& documents, const std::string& top,
-                         const progressFn& progress) {
+loadResult loadDocuments(const std::vector<std::pair<std::string, std::string>>& documents,
+                         const std::string& top, const progressFn& progress) {
     detail::resolver r;
     r.progress = progress;
     try {
@@ -1397,7 +1445,8 @@ loadResult load(const std::string& folder, const std::string& top, const progres
     fs::recursive_directory_iterator it(folder, fs::directory_options::follow_directory_symlink, ec), end;
     if (ec || !fs::is_directory(folder)) {
         loadResult res;
-        res.error = message{folder, 0, "cannot read the folder: " + (ec ? ec.message() : std::string("not a folder"))};
+        res.error = message{folder, 0,
+                            "cannot read the folder: " + (ec ? ec.message() : std::string("not a folder"))};
         return res;
     }
     for (; it != end; it.increment(ec)) {

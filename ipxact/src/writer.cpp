@@ -21,8 +21,7 @@ namespace kalipxact {
 
 namespace {
 
-const char* const header =
-    "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n";
+const char* const header = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n";
 const char* const namespaces =
     " xmlns:ipxact=\"http://www.accellera.org/XMLSchema/IPXACT/1685-2014\""
     " xmlns:xsi=\"http://www.w3.org/2001/XMLSchema-instance\""
@@ -36,13 +35,27 @@ std::string str(const std::string* s) {
 void escape(std::string& out, const std::string& s) {
     for (char c : s) {
         switch (c) {
-            case '&': out += "&amp;"; break;
-            case '<': out += "&lt;"; break;
-            case '>': out += "&gt;"; break;
-            case '"': out += "&quot;"; break;
-            case '\n': out += "&#10;"; break;
-            case '\r': out += "&#13;"; break;
-            case '\t': out += "&#9;"; break;
+            case '&':
+                out += "&amp;";
+                break;
+            case '<':
+                out += "&lt;";
+                break;
+            case '>':
+                out += "&gt;";
+                break;
+            case '"':
+                out += "&quot;";
+                break;
+            case '\n':
+                out += "&#10;";
+                break;
+            case '\r':
+                out += "&#13;";
+                break;
+            case '\t':
+                out += "&#9;";
+                break;
             default:
                 // XML 1.0 cannot carry other control characters at all.
                 if (static_cast<unsigned char>(c) < 0x20)
@@ -107,8 +120,8 @@ struct out {
         element(pad, "version", str(a.getVersion()));
     }
     void vlnvAttributes(const vlnv& v) {
-        *this << " vendor=\"" << v.vendor << "\" library=\"" << v.library << "\" name=\"" << v.name << "\" version=\""
-              << v.version << "\"";
+        *this << " vendor=\"" << v.vendor << "\" library=\"" << v.library << "\" name=\"" << v.name
+              << "\" version=\"" << v.version << "\"";
     }
 };
 
@@ -191,8 +204,8 @@ struct writer {
     }
 
     static std::string pathOf(const vlnv& id) {
-        return id.vendor + "/" + id.library + "/" + id.name + "/" + id.version + "/" + id.name + "." + id.version +
-               ".xml";
+        return id.vendor + "/" + id.library + "/" + id.name + "/" + id.version + "/" + id.name + "." +
+               id.version + ".xml";
     }
 
     // ---- component documents
@@ -220,9 +233,11 @@ struct writer {
                     o.vlnvAttributes(idOf(ds[i].second->identity));
                     o << "/>\n      </ipxact:designInstantiation>\n";
                     std::string name = str(ds[i].second->identity->getName());
-                    if (ds[i].first != name && ds[i].first != name + "@" + str(ds[i].second->identity->getVersion()))
-                        warn("design " + ds[i].first + " of " + id.str() + " is keyed differently from its name " +
-                             name + "; it reads back under its name");
+                    if (ds[i].first != name &&
+                        ds[i].first != name + "@" + str(ds[i].second->identity->getVersion()))
+                        warn("design " + ds[i].first + " of " + id.str() +
+                             " is keyed differently from its name " + name +
+                             "; it reads back under its name");
                 }
                 o << "    </ipxact:instantiations>\n";
             }
@@ -259,8 +274,8 @@ struct writer {
                     o.element("        ", "name", str(f->getName()));
                     o.element("        ", "fileType", "unknown");
                     o << "        <ipxact:vendorExtensions>\n          <kd:file name=\"" << str(f->getName())
-                      << "\" second=\"" << str(f->getSecondField()) << "\" third=\"" << str(f->getThirdField())
-                      << "\"/>\n";
+                      << "\" second=\"" << str(f->getSecondField()) << "\" third=\""
+                      << str(f->getThirdField()) << "\"/>\n";
                     attributes(o, "          ", *f);
                     o << "        </ipxact:vendorExtensions>\n      </ipxact:file>\n";
                 }
@@ -299,8 +314,8 @@ struct writer {
     std::string portsText(kalcomponent* c) {
         out o;
         static const char* const dirs[] = {"", "in", "out", "inout"};
-        auto one = [&](const std::string& name, const std::string* text, int dir, bool bus, unsigned msb, unsigned lsb,
-                       const std::string& second, const kalattributes& attrs, kalportbus* pb) {
+        auto one = [&](const std::string& name, const std::string* text, int dir, bool bus, unsigned msb,
+                       unsigned lsb, const std::string& second, const kalattributes& attrs, kalportbus* pb) {
             if (dir < 1 || dir > 3) {
                 warn("port " + name + " of " + idOf(c->identity).str() + " has no direction; not written");
                 return;
@@ -308,10 +323,11 @@ struct writer {
             o << "      <ipxact:port>\n";
             o.element("        ", "name", xmlName(name));
             if (text) o.element("        ", "description", *text);
-            o << "        <ipxact:wire>\n          <ipxact:direction>" << dirs[dir] << "</ipxact:direction>\n";
+            o << "        <ipxact:wire>\n          <ipxact:direction>" << dirs[dir]
+              << "</ipxact:direction>\n";
             if (bus)
-                o << "          <ipxact:vectors>\n            <ipxact:vector>\n              <ipxact:left>" << msb
-                  << "</ipxact:left>\n              <ipxact:right>" << lsb
+                o << "          <ipxact:vectors>\n            <ipxact:vector>\n              <ipxact:left>"
+                  << msb << "</ipxact:left>\n              <ipxact:right>" << lsb
                   << "</ipxact:right>\n            </ipxact:vector>\n          </ipxact:vectors>\n";
             o << "        </ipxact:wire>\n";
             out x;
@@ -331,8 +347,8 @@ struct writer {
             o << "      </ipxact:port>\n";
         };
         for (auto& [name, pb] : c->data->portbuses)
-            one(name, pb->getText(), pb->getDirection(), true, pb->getMsb(), pb->getLsb(), str(pb->getSecondName()), *pb,
-                pb);
+            one(name, pb->getText(), pb->getDirection(), true, pb->getMsb(), pb->getLsb(),
+                str(pb->getSecondName()), *pb, pb);
         for (auto& [name, p] : c->data->ports) {
             kalportbus* b = p->getBus();
             if (b && b->getComponent() == c) continue;  // a bit: made with its bus
@@ -355,12 +371,14 @@ struct writer {
         }
         auto& rp = rep->data->parameters;
         auto& ip = inst->data->parameters;
-        if (rp.size() != ip.size()) warn(where + " has other parameters than its component document; not written");
+        if (rp.size() != ip.size())
+            warn(where + " has other parameters than its component document; not written");
         for (auto& [name, p] : ip) {
             auto it = rp.find(name);
             if (it == rp.end()) continue;
             if (str(it->second->getValue()) != str(p->getValue()))
-                o << "        <kd:parameter name=\"" << name << "\" value=\"" << str(p->getValue()) << "\"/>\n";
+                o << "        <kd:parameter name=\"" << name << "\" value=\"" << str(p->getValue())
+                  << "\"/>\n";
         }
         auto& rb = rep->data->portbuses;
         auto& ib = inst->data->portbuses;
@@ -372,8 +390,8 @@ struct writer {
                 continue;
             }
             if (it->second->getMsb() != b->getMsb() || it->second->getLsb() != b->getLsb())
-                o << "        <kd:portBus name=\"" << name << "\" msb=\"" << b->getMsb() << "\" lsb=\"" << b->getLsb()
-                  << "\"/>\n";
+                o << "        <kd:portBus name=\"" << name << "\" msb=\"" << b->getMsb() << "\" lsb=\""
+                  << b->getLsb() << "\"/>\n";
         }
         auto scalars = [](kalcomponent* c) {
             std::map<std::string, int> r;
@@ -445,12 +463,13 @@ struct writer {
             if (c == owner)
                 r << "        <ipxact:externalPortReference portRef=\"" << xmlName(portName) << "\"";
             else
-                r << "        <ipxact:internalPortReference componentRef=\"" << xmlName(str(c->data->instanceName))
-                  << "\" portRef=\"" << xmlName(portName) << "\"";
+                r << "        <ipxact:internalPortReference componentRef=\""
+                  << xmlName(str(c->data->instanceName)) << "\" portRef=\"" << xmlName(portName) << "\"";
             unsigned bit = 0;
             if (bitSelect && bitNumber(str(p->getName()), bit))
-                r << ">\n          <ipxact:partSelect>\n            <ipxact:range>\n              <ipxact:left>" << bit
-                  << "</ipxact:left>\n              <ipxact:right>" << bit
+                r << ">\n          <ipxact:partSelect>\n            <ipxact:range>\n              "
+                     "<ipxact:left>"
+                  << bit << "</ipxact:left>\n              <ipxact:right>" << bit
                   << "</ipxact:right>\n            </ipxact:range>\n          </ipxact:partSelect>\n        "
                   << (c == owner ? "</ipxact:externalPortReference>\n" : "</ipxact:internalPortReference>\n");
             else
@@ -477,7 +496,8 @@ struct writer {
         out ext;
         attributes(ext, "    ", *d->data);
         for (auto& [name, nb] : *d->data->getNetbusMap()) {
-            ext << "    <kd:netBus name=\"" << name << "\" msb=\"" << nb->getMsb() << "\" lsb=\"" << nb->getLsb() << "\"";
+            ext << "    <kd:netBus name=\"" << name << "\" msb=\"" << nb->getMsb() << "\" lsb=\""
+                << nb->getLsb() << "\"";
             if (nb->getText()) ext << " text=\"" << *nb->getText() << "\"";
             ext << ">\n";
             attributes(ext, "      ", *nb);
@@ -487,7 +507,8 @@ struct writer {
             out refs;
             std::vector<kalport*> ports = n->getPorts();
             // The schema wants internal references before external ones.
-            std::stable_partition(ports.begin(), ports.end(), [owner](kalport* p) { return p->getComponent() != owner; });
+            std::stable_partition(ports.begin(), ports.end(),
+                                  [owner](kalport* p) { return p->getComponent() != owner; });
             for (kalport* p : ports) {
                 kalportbus* pb = p->getBus();
                 if (pb && n->getBus()) {
@@ -526,8 +547,8 @@ struct writer {
                     warn("export of bit " + pname + " of instance " + name + " alone is not written");
                     continue;
                 }
-                ext << "    <kd:export instance=\"" << xmlName(name) << "\" port=\"" << xmlName(pname) << "\" top=\""
-                    << xmlName(str(to->getName())) << "\"/>\n";
+                ext << "    <kd:export instance=\"" << xmlName(name) << "\" port=\"" << xmlName(pname)
+                    << "\" top=\"" << xmlName(str(to->getName())) << "\"/>\n";
             }
         }
         for (auto& [name, dp] : *d->data->getDualPortMap()) {
@@ -535,8 +556,9 @@ struct writer {
             for (kalport* p : dp->getPortList()) {
                 if (!p) continue;
                 kalcomponent* c = p->getComponent();
-                ext << "      <kd:member instance=\"" << (c == owner ? std::string() : xmlName(str(c->data->instanceName)))
-                    << "\" port=\"" << str(p->getName()) << "\"/>\n";
+                ext << "      <kd:member instance=\""
+                    << (c == owner ? std::string() : xmlName(str(c->data->instanceName))) << "\" port=\""
+                    << str(p->getName()) << "\"/>\n";
             }
             ext << "    </kd:dualPort>\n";
         }
@@ -597,7 +619,8 @@ writeResult write(kalcomponent* root, const std::string& folder) {
         std::ofstream f(p, std::ios::binary | std::ios::trunc);
         if (ec || !f || !f.write(text.data(), static_cast<std::streamsize>(text.size()))) {
             r.ok = false;
-            r.error = message{p.string(), 0, "cannot write the file" + (ec ? ": " + ec.message() : std::string())};
+            r.error =
+                message{p.string(), 0, "cannot write the file" + (ec ? ": " + ec.message() : std::string())};
             return r;
         }
         r.files.push_back(p.string());
