@@ -64,8 +64,11 @@ KALIPXACT_API loadResult load(const std::string& folder, const std::string& top,
                               const progressFn& progress = nullptr);
 
 // The same over documents held in memory: (name used in messages, XML text).
+// `maxBits`, when not 0, bounds the port bits and net bits a load may create
+// (a load above it fails with a message): for callers that read untrusted text.
 KALIPXACT_API loadResult loadDocuments(const std::vector<std::pair<std::string, std::string>>& documents,
-                                       const std::string& top, const progressFn& progress = nullptr);
+                                       const std::string& top, const progressFn& progress = nullptr,
+                                       std::size_t maxBits = 0);
 
 struct KALIPXACT_API writeResult {
     bool ok = false;

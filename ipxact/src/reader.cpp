@@ -214,6 +214,13 @@ struct resolver {
     std::vector<std::string> stack;                      // VLNVs being resolved, for loops
     progressFn progress;
     std::size_t seen = 0;
+    std::size_t maxBits = 0, bits = 0;  // a bound on what the load creates (0: none)
+
+    void spend(std::size_t n, const document& d, pugi::xml_node at) {
+        bits += n;
+        if (maxBits && bits > maxBits)
+            d.fail(at, "the load would create more than " + std::to_string(maxBits) + " port and net bits");
+    }
 
     void warn(const document& d, pugi::xml_node n, const std::string& what) {
         message m{d.name, d.line(n), what};
@@ -741,6 +748,7 @@ struct resolver {
             ++seen;
             if (progress && seen % 4096 == 0) progress("resolve", seen, 0);
             const componentP& base = component(refOf(ref), d, ref, ov);
+            spend(base.bits, d, ci);
             ip.comp = &base;
             if (replaceAttrs || !paramValues.empty() || !ranges.empty())
                 ip.comp = &variant(base, d, ci, replaceAttrs, attrs, paramValues, ranges);
@@ -771,7 +779,9 @@ struct resolver {
         componentP& c = *owned;
         out.components.push_back(std::move(owned));
         if (replaceAttrs) c.attrs = attrs;
-        for (auto& [name, value] : values) {
+        for (auto& nv : values) {
+            const std::string& name = nv.first;
+            const std::string& value = nv.second;
             auto it = std::find_if(c.params.begin(), c.params.end(),
                                    [&](const paramP& p) { return p.name == name; });
             if (it == c.params.end())
@@ -780,7 +790,9 @@ struct resolver {
         }
         if (!ranges.empty() && !c.designs.empty())
             d.fail(at, "instance changes port ranges of a component with a design");
-        for (auto& [name, range] : ranges) {
+        for (auto& nr : ranges) {
+            const std::string& name = nr.first;
+            const std::pair<unsigned, unsigned>& range = nr.second;
             auto it = std::find_if(c.ports.begin(), c.ports.end(),
                                    [&](const portP& p) { return p.bus && p.name == name; });
             if (it == c.ports.end())
@@ -882,6 +894,7 @@ struct resolver {
                 }
                 return it->second;
             }
+            spend(g.width(), at, where);
             g.first = static_cast<unsigned>(parent.size());
             unsigned gi = static_cast<unsigned>(groups.size());
             for (unsigned s = 0; s < g.width(); ++s) {
@@ -1242,7 +1255,11 @@ struct resolver {
         out.top = &c;
     }
 
-    const componentP& topComponent(const vlnv& id, const document& d) { return component(id, d, d.root, {}); }
+    const componentP& topComponent(const vlnv& id, const document& d) {
+        const componentP& c = component(id, d, d.root, {});
+        spend(c.bits, d, d.root);
+        return c;
+    }
 };
 
 }  // namespace
@@ -1421,9 +1438,10 @@ loadResult finish(resolver& r, const std::string& top) {
 }  // namespace detail
 
 loadResult loadDocuments(const std::vector<std::pair<std::string, std::string>>& documents,
-                         const std::string& top, const progressFn& progress) {
+                         const std::string& top, const progressFn& progress, std::size_t maxBits) {
     detail::resolver r;
     r.progress = progress;
+    r.maxBits = maxBits;
     try {
         for (auto& [name, text] : documents)
             r.add(name, text);

@@ -32,6 +32,9 @@ std::string str(const std::string* s) {
     return s ? *s : std::string();
 }
 
+// Set when a text held a control character that XML 1.0 cannot carry.
+thread_local bool replacedControl = false;
+
 void escape(std::string& out, const std::string& s) {
     for (char c : s) {
         switch (c) {
@@ -58,9 +61,10 @@ void escape(std::string& out, const std::string& s) {
                 break;
             default:
                 // XML 1.0 cannot carry other control characters at all.
-                if (static_cast<unsigned char>(c) < 0x20)
+                if (static_cast<unsigned char>(c) < 0x20) {
                     out += "&#xFFFD;";
-                else
+                    replacedControl = true;
+                } else
                     out += c;
         }
     }
@@ -603,7 +607,11 @@ writeResult writeDocuments(kalcomponent* root, std::vector<std::pair<std::string
         return r;
     }
     writer w{documents, r, {}, {}, {}, {}};
+    replacedControl = false;
     r.ok = w.run(root);
+    if (replacedControl)
+        r.warnings.push_back(
+            message{"", 0, "control characters, which XML 1.0 cannot hold, were written as U+FFFD"});
     return r;
 }
 
