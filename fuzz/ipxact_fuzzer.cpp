@@ -45,10 +45,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         if (sep == std::string::npos) break;
         start = sep + 7;
     }
+    // The first document's VLNV, with or without the ipxact: prefix.
     const std::string& first = docs[0].second;
-    std::string top = between(first, "<ipxact:vendor>", "<") + ":" + between(first, "<ipxact:library>", "<") +
-                      ":" + between(first, "<ipxact:name>", "<") + ":" +
-                      between(first, "<ipxact:version>", "<");
+    std::string top;
+    for (const char* key : {"vendor", "library", "name", "version"}) {
+        std::string v = between(first, std::string("<ipxact:") + key + ">", "<");
+        if (v.empty()) v = between(first, std::string("<") + key + ">", "<");
+        top += (top.empty() ? "" : ":") + v;
+    }
 
     kalrecorder::clear();
     kalrecorder::setKeepRecords(false);

@@ -10,7 +10,7 @@ import os
 import re
 import sys
 
-TAG = re.compile(r"<ipxact:(vendor|library|name|version)>([^<]*)</ipxact:\1>")
+TAG = re.compile(r"<(?:ipxact:)?(vendor|library|name|version)>([^<]*)</(?:ipxact:)?\1>")
 REF = re.compile(r'vendor="([^"]*)" library="([^"]*)" name="([^"]*)" version="([^"]*)"')
 
 

@@ -45,8 +45,10 @@ struct KALIPXACT_API message {
     std::string str() const;  // "file:line: text"
 };
 
-// Called now and then during a load: a phase name ("scan", "resolve", "build"),
-// the work done and the total (0 when unknown).
+// Called now and then during a load: a phase name ("scan" per document,
+// "resolve" per instances, "connect" per connections, "resolved" once when
+// the documents are worked out, "build"), the work done and the total (0
+// when unknown).
 using progressFn = std::function<void(const char* phase, std::size_t done, std::size_t total)>;
 
 struct KALIPXACT_API loadResult {

@@ -87,18 +87,31 @@ struct netbusP {
     bool hasText = false;
     unsigned msb = 0, lsb = 0;
     std::vector<attrP> attrs;
+    unsigned bitAt(unsigned slot) const { return msb >= lsb ? msb - slot : msb + slot; }
 };
 
+// A scalar net; the bit nets of net buses are not listed (their bus makes them).
 struct netP {
-    std::string name, text;
+    std::string name;
+};
+
+// Text and attributes of a net (scalar, or a bit of a net bus), kept apart:
+// few nets have any.
+struct netExtraP {
+    unsigned net;  // as in connP
+    unsigned slot;
+    std::string text;
     bool hasText = false;
-    bool bit = false;  // made by its net bus
     std::vector<attrP> attrs;
 };
 
-// One port bit on a net: instance (-1: the design's owner), port, bit number.
+// One port bit on a net: a scalar net (index into nets), or with busBit set
+// the bit in `slot` of net bus `net & ~busBit`; the instance (-1: the design's
+// owner), the port and the bit number.
 struct connP {
+    static constexpr unsigned busBit = 0x80000000u;
     unsigned net;
+    unsigned slot;
     int inst;
     unsigned port;
     unsigned bit;
@@ -121,6 +134,7 @@ struct designP {
     std::vector<netbusP> buses;
     std::vector<netP> nets;
     std::vector<connP> conns;
+    std::vector<netExtraP> extras;
     std::vector<exportP> exports;
     std::vector<dualP> duals;
 };

@@ -11,10 +11,12 @@
 #include <cstring>
 #include <deque>
 #include <filesystem>
+#include <functional>
 #include <fstream>
 #include <map>
 #include <set>
 #include <sstream>
+#include <string_view>
 #include <unordered_map>
 
 #include "expr.h"
@@ -71,7 +73,9 @@ struct document {
     std::string name;
     std::string buffer;  // parsed in place; pugixml points into it
     pugi::xml_document xml;
-    std::string ip;  // prefix of the IP-XACT namespace, with its colon
+    std::function<std::string()> reload;  // the text again, for a document used after it was consumed
+    mutable bool consumed = false;        // parts were taken out (see resolver::consume)
+    std::string ip;                       // prefix of the IP-XACT namespace, with its colon
     std::string kind;
     vlnv id;
     pugi::xml_node root;
@@ -214,6 +218,7 @@ struct resolver {
     std::vector<std::string> stack;                      // VLNVs being resolved, for loops
     progressFn progress;
     std::size_t seen = 0;
+    std::size_t consumed = 0;           // connections worked out, for progress
     std::size_t maxBits = 0, bits = 0;  // a bound on what the load creates (0: none)
 
     void spend(std::size_t n, const document& d, pugi::xml_node at) {
@@ -233,12 +238,15 @@ struct resolver {
     }
 
     // ---- documents
-    void add(std::string name, std::string text) {
+    static constexpr unsigned parseOptions =
+        (pugi::parse_default | pugi::parse_embed_pcdata) & ~pugi::parse_wconv_attribute;
+
+    void add(std::string name, std::string text, std::function<std::string()> reload) {
         auto d = std::make_unique<document>();
         d->name = std::move(name);
         d->buffer = std::move(text);
-        pugi::xml_parse_result r = d->xml.load_buffer_inplace(
-            &d->buffer[0], d->buffer.size(), pugi::parse_default & ~pugi::parse_wconv_attribute);
+        d->reload = std::move(reload);
+        pugi::xml_parse_result r = d->xml.load_buffer_inplace(&d->buffer[0], d->buffer.size(), parseOptions);
         if (!r)
             throw loadFailure{message{d->name, d->lineAt(static_cast<std::size_t>(r.offset)),
                                       std::string("malformed XML: ") + r.description()}};
@@ -263,6 +271,19 @@ struct resolver {
                                           std::to_string(it->second->line(it->second->root))}};
         index[d->id] = d.get();
         docs.push_back(std::move(d));
+    }
+
+    // A document whose parts were consumed, parsed again from its text.
+    const document& fresh(const document& cd) {
+        if (!cd.consumed) return cd;
+        auto& d = const_cast<document&>(cd);  // every document is the resolver's own
+        d.buffer = d.reload();
+        d.xml.reset();
+        if (!d.xml.load_buffer_inplace(&d.buffer[0], d.buffer.size(), parseOptions))
+            throw loadFailure{message{d.name, 0, "the document changed while it was read"}};
+        d.root = d.xml.document_element();
+        d.consumed = false;
+        return d;
     }
 
     const document& find(const vlnv& id, const char* kind, const document& from, pugi::xml_node at) {
@@ -674,7 +695,7 @@ struct resolver {
     // ---- designs
     const designP& design(const vlnv& id, const document& from, pugi::xml_node at, const scope& ownerScope,
                           pugi::xml_node overridesAt) {
-        const document& d = find(id, "design", from, at);
+        const document& d = fresh(find(id, "design", from, at));
         componentInfo* ownerInfo = stack.empty() ? nullptr : currentInfo();
         auto owned = std::make_unique<designP>();
         designP& ds = *owned;
@@ -818,26 +839,30 @@ struct resolver {
 
     // ---- connections: nets are classes of port bits joined by any connection
     struct group {
-        std::string name, text;
-        bool hasText = false;
+        std::string name;
         bool bus = false;
+        bool extra = false;  // has an entry in the extras map
         unsigned msb = 0, lsb = 0;
         unsigned first = 0;  // its first node
-        std::vector<attrP> attrs;
         unsigned width() const { return bus ? (msb > lsb ? msb - lsb : lsb - msb) + 1 : 1; }
         unsigned bitAt(unsigned slot) const { return msb >= lsb ? msb - slot : msb + slot; }
         std::string nodeName(unsigned slot) const {
             return bus ? name + "[" + std::to_string(bitAt(slot)) + "]" : name;
         }
     };
+    struct groupExtra {
+        std::string text;
+        bool hasText = false;
+        std::vector<attrP> attrs;
+    };
 
     void connections(designP& ds, const document& d, const scope& sc,
                      const std::map<std::string, int>& instByXml, componentInfo* owner) {
         pugi::xml_node root = d.root;
-        std::vector<group> groups;
-        std::vector<unsigned> parent;     // union-find over nodes, the smaller node is the root
-        std::vector<unsigned> nodeGroup;  // group of each node
-        std::unordered_map<std::string, unsigned> groupByName;
+        std::deque<group> groups;               // stable: the name index holds views of the names
+        std::map<unsigned, groupExtra> extras;  // ordered: attributes apply in document order
+        std::vector<unsigned> parent;           // union-find over nodes, the smaller node is the root
+        std::unordered_map<std::string_view, unsigned> groupByName;
         bool bracketed = false;  // a scalar group named like a bus bit
         std::vector<std::size_t> base(ds.insts.size() + 1);
         std::size_t total = owner ? owner->plan->bits : 0;
@@ -847,12 +872,8 @@ struct resolver {
         }
         base[ds.insts.size()] = 0;
         std::vector<std::uint32_t> claim(total, UINT32_MAX);
-        struct pending {
-            unsigned node;
-            int inst;
-            unsigned port, bit;
-        };
-        std::vector<pending> refs;
+        // Port bits in the order first met; `net` holds their node until the nets are known.
+        std::vector<connP>& refs = ds.conns;
 
         auto findRoot = [&](unsigned x) {
             while (parent[x] != x) {
@@ -879,30 +900,36 @@ struct resolver {
             return b + p.base + (p.bus ? p.slot(bit) : 0);
         };
         // A new group: joined by name with an existing net of that name.
-        auto newGroup = [&](group g, const document& at, pugi::xml_node where) -> unsigned {
+        auto newGroup = [&](group g, groupExtra* x, const document& at, pugi::xml_node where) -> unsigned {
             auto it = groupByName.find(g.name);
             if (it != groupByName.end()) {
                 group& old = groups[it->second];
                 if (old.bus != g.bus || old.width() != g.width())
                     at.fail(where,
                             "connection " + g.name + " has the name of an earlier net of another width");
-                for (auto& a : g.attrs)
-                    old.attrs.push_back(a);
-                if (g.hasText) {
-                    old.text = g.text;
-                    old.hasText = true;
+                if (x) {
+                    groupExtra& ox = extras[it->second];
+                    old.extra = true;
+                    for (auto& a : x->attrs)
+                        ox.attrs.push_back(a);
+                    if (x->hasText) {
+                        ox.text = x->text;
+                        ox.hasText = true;
+                    }
                 }
                 return it->second;
             }
             spend(g.width(), at, where);
             g.first = static_cast<unsigned>(parent.size());
             unsigned gi = static_cast<unsigned>(groups.size());
-            for (unsigned s = 0; s < g.width(); ++s) {
+            for (unsigned s = 0; s < g.width(); ++s)
                 parent.push_back(static_cast<unsigned>(parent.size()));
-                nodeGroup.push_back(gi);
+            if (x) {
+                g.extra = true;
+                extras[gi] = std::move(*x);
             }
-            groupByName[g.name] = gi;
             groups.push_back(std::move(g));
+            groupByName[groups.back().name] = gi;
             const group& ng = groups.back();
             if (!ng.bus) {
                 // name[i]: the bit of an earlier net bus
@@ -929,7 +956,7 @@ struct resolver {
             std::size_t b = bitIndex(inst, port, bit);
             if (claim[b] == UINT32_MAX) {
                 claim[b] = node;
-                refs.push_back(pending{node, inst, port, bit});
+                refs.push_back(connP{node, 0, inst, port, bit});
             } else {
                 unite(claim[b], node);
             }
@@ -957,13 +984,15 @@ struct resolver {
         std::vector<std::pair<std::string, std::pair<int, std::pair<std::string, std::string>>>> exportsKd;
         std::vector<pugi::xml_node> exportNodes;
         extensions(d, root, [&](pugi::xml_node x, const char* n) {
-            auto attrsOf = [&](group& g) {
+            groupExtra ge;
+            auto attrsOf = [&]() -> groupExtra* {
                 for (pugi::xml_node a = x.first_child(); a; a = a.next_sibling())
-                    if (!std::strcmp(localName(a.name()), "attribute")) attribute(a, g.attrs);
+                    if (!std::strcmp(localName(a.name()), "attribute")) attribute(a, ge.attrs);
                 if (x.attribute("text")) {
-                    g.text = x.attribute("text").value();
-                    g.hasText = true;
+                    ge.text = x.attribute("text").value();
+                    ge.hasText = true;
                 }
+                return ge.hasText || !ge.attrs.empty() ? &ge : nullptr;
             };
             if (!std::strcmp(n, "attribute")) attribute(x, ds.attrs);
             if (!std::strcmp(n, "netBus")) {
@@ -973,25 +1002,26 @@ struct resolver {
                 g.msb = x.attribute("msb").as_uint();
                 g.lsb = x.attribute("lsb").as_uint();
                 if (g.width() > 65536) d.fail(x, "net bus " + g.name + " is wider than 65536 bits");
-                attrsOf(g);
-                newGroup(std::move(g), d, x);
+                newGroup(std::move(g), attrsOf(), d, x);
             }
             if (!std::strcmp(n, "net")) {
                 group g;
                 g.name = x.attribute("name").value();
-                attrsOf(g);
-                newGroup(std::move(g), d, x);
+                newGroup(std::move(g), attrsOf(), d, x);
             }
             if (!std::strcmp(n, "export") || !std::strcmp(n, "dualPort")) exportNodes.push_back(x);
         });
 
         // Ad-hoc connections: a net, or a net bus when they join vectors.
-        d.each(d.child(root, "adHocConnections"), "adHocConnection", [&](pugi::xml_node a) {
+        // Each connection leaves the document once it is worked out: a large
+        // design's connections are then never held twice, as elements and as nets.
+        consume(d, d.child(root, "adHocConnections"), "adHocConnection", [&](pugi::xml_node a) {
             group g;
             g.name = d.text(a, "name");
+            groupExtra ge;
             if (d.child(a, "description")) {
-                g.text = d.text(a, "description");
-                g.hasText = true;
+                ge.text = d.text(a, "description");
+                ge.hasText = true;
             }
             extensions(d, a, [&](pugi::xml_node x, const char* n) {
                 if (!std::strcmp(n, "name")) g.name = x.attribute("value").value();
@@ -1054,7 +1084,7 @@ struct resolver {
                 if (g.width() != w)
                     d.fail(a, "connection " + g.name + " does not match the width of net bus " + g.name);
             }
-            unsigned gi = newGroup(std::move(g), d, a);
+            unsigned gi = newGroup(std::move(g), ge.hasText ? &ge : nullptr, d, a);
             unsigned first = groups[gi].first;
             for (auto& o : all)
                 for (std::size_t s = 0; s < o.bits.size(); ++s)
@@ -1062,7 +1092,7 @@ struct resolver {
         });
 
         // Interconnections: each side's port maps onto the logical ports; one net per logical port.
-        d.each(d.child(root, "interconnections"), "interconnection", [&](pugi::xml_node ic) {
+        consume(d, d.child(root, "interconnections"), "interconnection", [&](pugi::xml_node ic) {
             std::string name = d.text(ic, "name");
             std::vector<std::vector<busMap>> sides;
             for (pugi::xml_node s = ic.first_child(); s; s = s.next_sibling()) {
@@ -1112,7 +1142,7 @@ struct resolver {
                     g.msb = static_cast<unsigned>(hi);
                     g.lsb = static_cast<unsigned>(lo);
                 }
-                unsigned gi = newGroup(std::move(g), d, ic);
+                unsigned gi = newGroup(std::move(g), nullptr, d, ic);
                 const group& ng = groups[gi];
                 for (auto& [index, refsOfBit] : bits)
                     for (auto& r : refsOfBit)
@@ -1173,51 +1203,79 @@ struct resolver {
 
         // Nets: every class of nodes is one net named after its first node; a
         // net bus stays a bus while every bit of it heads its own class.
-        std::vector<unsigned> netOfRoot(parent.size(), UINT32_MAX);
+        std::vector<unsigned> netOfRoot(parent.size(), UINT32_MAX), slotOfRoot;
+        slotOfRoot.resize(parent.size());
         for (std::size_t gi = 0; gi < groups.size(); ++gi) {
             const group& g = groups[gi];
             bool whole = g.bus;
             for (unsigned s = 0; s < g.width() && whole; ++s)
                 whole = findRoot(g.first + s) == g.first + s;
             if (whole) {
-                ds.buses.push_back(netbusP{g.name, g.text, g.hasText, g.msb, g.lsb, g.attrs});
+                unsigned b = static_cast<unsigned>(ds.buses.size()) | connP::busBit;
+                netbusP nb{g.name, std::string(), false, g.msb, g.lsb, {}};
+                if (g.extra) {
+                    groupExtra& x = extras[static_cast<unsigned>(gi)];
+                    nb.text = x.text;
+                    nb.hasText = x.hasText;
+                    nb.attrs = x.attrs;
+                }
+                ds.buses.push_back(std::move(nb));
                 for (unsigned s = 0; s < g.width(); ++s) {
-                    netOfRoot[g.first + s] = static_cast<unsigned>(ds.nets.size());
-                    netP n;
-                    n.name = g.nodeName(s);
-                    n.bit = true;
-                    ds.nets.push_back(std::move(n));
+                    netOfRoot[g.first + s] = b;
+                    slotOfRoot[g.first + s] = s;
                 }
                 continue;
             }
             for (unsigned s = 0; s < g.width(); ++s) {
                 if (findRoot(g.first + s) != g.first + s) continue;
                 netOfRoot[g.first + s] = static_cast<unsigned>(ds.nets.size());
-                netP n;
-                n.name = g.nodeName(s);
-                ds.nets.push_back(std::move(n));
+                ds.nets.push_back(netP{g.nodeName(s)});
             }
         }
         // A net's text and attributes come from every scalar connection or
         // declaration that joined it, the bit of a net bus included.
-        for (auto& g : groups) {
-            if (g.bus || (g.attrs.empty() && !g.hasText)) continue;
-            netP& n = ds.nets[netOfRoot[findRoot(g.first)]];
-            for (auto& a : g.attrs)
-                n.attrs.push_back(a);
-            if (g.hasText) {
-                n.text = g.text;
-                n.hasText = true;
+        std::map<std::pair<unsigned, unsigned>, std::size_t> extraOf;
+        for (auto& [gi, x] : extras) {
+            const group& g = groups[gi];
+            if (g.bus) continue;
+            unsigned r = findRoot(g.first);
+            auto key = std::make_pair(netOfRoot[r], slotOfRoot[r]);
+            auto it = extraOf.find(key);
+            if (it == extraOf.end()) {
+                it = extraOf.emplace(key, ds.extras.size()).first;
+                ds.extras.push_back(
+                    netExtraP{key.first, (key.first & connP::busBit) ? key.second : 0, "", false, {}});
+            }
+            netExtraP& e = ds.extras[it->second];
+            for (auto& a : x.attrs)
+                e.attrs.push_back(a);
+            if (x.hasText) {
+                e.text = x.text;
+                e.hasText = true;
             }
         }
-        {
-            std::set<std::string> names;
-            for (auto& n : ds.nets)
-                if (!names.insert(n.name).second) d.fail(root, "two nets would be named " + n.name);
+        for (auto& r : refs) {
+            unsigned root = findRoot(r.net);
+            r.net = netOfRoot[root];
+            r.slot = (r.net & connP::busBit) ? slotOfRoot[root] : 0;
         }
-        ds.conns.reserve(refs.size());
-        for (auto& r : refs)
-            ds.conns.push_back(connP{netOfRoot[findRoot(r.node)], r.inst, r.port, r.bit});
+        refs.shrink_to_fit();
+    }
+
+    // Calls f on every `local` child of `list` and then takes it out of the
+    // document, which is marked so that a second use parses it again.
+    template <class F>
+    void consume(const document& d, pugi::xml_node list, const char* local, F f) {
+        for (pugi::xml_node c = list.first_child(); c;) {
+            pugi::xml_node next = c.next_sibling();
+            if (c.type() == pugi::node_element && d.is(c, local)) {
+                f(c);
+                list.remove_child(c);
+                d.consumed = true;
+                if (progress && ++consumed % 16384 == 0) progress("connect", consumed, 0);
+            }
+            c = next;
+        }
     }
 
     // ---- the top
@@ -1369,23 +1427,44 @@ struct builder {
                 designs(child, *ip.comp);
                 if (progress && ++done % 1024 == 0) progress("build", done, total);
             }
+            std::string netName, portName;
+            auto nameOf = [&](unsigned net, unsigned slot) -> const std::string& {
+                if (!(net & connP::busBit)) return dp.nets[net].name;
+                const netbusP& b = dp.buses[net & ~connP::busBit];
+                netName = b.name + "[" + std::to_string(b.bitAt(slot)) + "]";
+                return netName;
+            };
+            // A net's text is given when it is made; a bit net with a text of its
+            // own is made before its bus, which then takes it over.
+            std::unordered_map<unsigned, const netExtraP*> scalarExtra;
+            for (auto& x : dp.extras) {
+                if (!(x.net & connP::busBit)) {
+                    scalarExtra[x.net] = &x;
+                } else if (x.hasText) {
+                    std::string name = nameOf(x.net, x.slot);
+                    d->addNet(&name, &name, &empty, &x.text);
+                }
+            }
             for (auto& b : dp.buses)
                 d->addNetbus(&b.name, &empty, &b.name, b.msb, b.lsb, b.hasText ? &b.text : nullptr);
             for (auto& b : dp.buses)
                 busAttrs(d->getNetbus(&b.name), b.attrs);
-            for (auto& n : dp.nets) {
-                if (!n.bit) d->addNet(&n.name, &n.name, &empty, n.hasText ? &n.text : nullptr);
-                if (!n.attrs.empty()) attrs(d->getNet(&n.name), n.attrs);
+            for (std::size_t i = 0; i < dp.nets.size(); ++i) {
+                auto x = scalarExtra.find(static_cast<unsigned>(i));
+                const std::string* text =
+                    x != scalarExtra.end() && x->second->hasText ? &x->second->text : nullptr;
+                d->addNet(&dp.nets[i].name, &dp.nets[i].name, &empty, text);
             }
+            for (auto& x : dp.extras)
+                if (kalnet* kn = d->getNet(&nameOf(x.net, x.slot))) attrs(kn, x.attrs);
             const std::string& self = *k->data->instanceName;
-            std::string portName;
             for (auto& cn : dp.conns) {
                 const componentP& owner = cn.inst < 0 ? c : *dp.insts[static_cast<std::size_t>(cn.inst)].comp;
                 const portP& p = owner.ports[cn.port];
                 portName = bitName(p, cn.bit);
                 const std::string& inst =
                     cn.inst < 0 ? empty : dp.insts[static_cast<std::size_t>(cn.inst)].name;
-                const std::string& net = dp.nets[cn.net].name;
+                const std::string& net = nameOf(cn.net, cn.slot);
                 if (cn.inst >= 0 && inst == self) {
                     // The design would read this instance name as its owner's own path.
                     kalnet* kn = d->getNet(&net);
@@ -1425,6 +1504,10 @@ loadResult finish(resolver& r, const std::string& top) {
         res.warnings = std::move(r.warnings);
         return res;
     }
+    // The plan holds copies of all it needs: the documents go before the model is made.
+    if (r.progress) r.progress("resolved", r.out.instances, r.out.instances);
+    r.index.clear();
+    r.docs.clear();
     builder b{r.progress, r.out.instances, 0, std::string()};
     const componentP& c = *r.out.top;
     res.root = b.shell(c);
@@ -1443,8 +1526,10 @@ loadResult loadDocuments(const std::vector<std::pair<std::string, std::string>>&
     r.progress = progress;
     r.maxBits = maxBits;
     try {
-        for (auto& [name, text] : documents)
-            r.add(name, text);
+        for (auto& doc : documents) {
+            const std::string* source = &doc.second;
+            r.add(doc.first, doc.second, [source] { return *source; });
+        }
     } catch (detail::loadFailure& f) {
         loadResult res;
         res.error = f.m;
@@ -1453,6 +1538,21 @@ loadResult loadDocuments(const std::vector<std::pair<std::string, std::string>>&
     }
     return detail::finish(r, top);
 }
+
+namespace {
+
+// The whole file in one allocation of its size: a large design is held once.
+bool readFile(const std::string& path, std::string& out) {
+    std::ifstream in(path, std::ios::binary | std::ios::ate);
+    if (!in) return false;
+    std::streamoff size = in.tellg();
+    if (size < 0) return false;
+    out.assign(static_cast<std::size_t>(size), '\0');
+    in.seekg(0);
+    return static_cast<bool>(in.read(&out[0], size)) || size == 0;
+}
+
+}  // namespace
 
 loadResult load(const std::string& folder, const std::string& top, const progressFn& progress) {
     namespace fs = std::filesystem;
@@ -1475,11 +1575,13 @@ loadResult load(const std::string& folder, const std::string& top, const progres
     try {
         std::size_t n = 0;
         for (auto& p : paths) {
-            std::ifstream in(p, std::ios::binary);
-            if (!in) throw detail::loadFailure{message{p, 0, "cannot read the file"}};
-            std::ostringstream text;
-            text << in.rdbuf();
-            r.add(p, text.str());
+            std::string text;
+            if (!readFile(p, text)) throw detail::loadFailure{message{p, 0, "cannot read the file"}};
+            r.add(p, std::move(text), [p] {
+                std::string again;
+                readFile(p, again);
+                return again;
+            });
             if (progress) progress("scan", ++n, paths.size());
         }
     } catch (detail::loadFailure& f) {

@@ -23,7 +23,7 @@ namespace {
 
 const char* const header = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n";
 const char* const namespaces =
-    " xmlns:ipxact=\"http://www.accellera.org/XMLSchema/IPXACT/1685-2014\""
+    " xmlns=\"http://www.accellera.org/XMLSchema/IPXACT/1685-2014\""
     " xmlns:xsi=\"http://www.w3.org/2001/XMLSchema-instance\""
     " xsi:schemaLocation=\"http://www.accellera.org/XMLSchema/IPXACT/1685-2014 "
     "http://www.accellera.org/XMLSchema/IPXACT/1685-2014/index.xsd\"";
@@ -108,11 +108,11 @@ struct out {
     }
     void element(const char* pad, const char* name, const std::string& text) {
         s += pad;
-        s += "<ipxact:";
+        s += "<";
         s += name;
         s += ">";
         escape(s, text);
-        s += "</ipxact:";
+        s += "</";
         s += name;
         s += ">\n";
     }
@@ -148,9 +148,9 @@ void attributes(out& o, const char* pad, const kalattributes& a) {
 // schema wants at least one child).
 void extensions(out& o, const char* pad, const std::string& content) {
     if (content.empty()) return;
-    o << pad << "<ipxact:vendorExtensions>\n";
+    o << pad << "<vendorExtensions>\n";
     o.s += content;
-    o << pad << "</ipxact:vendorExtensions>\n";
+    o << pad << "</vendorExtensions>\n";
 }
 
 bool hasAttributes(const kalattributes& a) {
@@ -216,26 +216,26 @@ struct writer {
     void component(kalcomponent* c) {
         vlnv id = idOf(c->identity);
         out o;
-        o << header << "<ipxact:component" << namespaces << " xmlns:kd=\"" << extensionNamespace << "\">\n";
+        o << header << "<component" << namespaces << " xmlns:kd=\"" << extensionNamespace << "\">\n";
         o.vlnvElements("  ", *c->identity);
         std::vector<std::pair<std::string, kaldesign*>> ds;
         for (auto& [key, d] : c->data->designs)
             if (d) ds.push_back({key, d});
         std::string ports = portsText(c);
         if (!ds.empty() || !ports.empty()) {
-            o << "  <ipxact:model>\n";
+            o << "  <model>\n";
             if (!ds.empty()) {
-                o << "    <ipxact:views>\n";
+                o << "    <views>\n";
                 for (std::size_t i = 0; i < ds.size(); ++i)
-                    o << "      <ipxact:view>\n        <ipxact:name>view" << unsigned(i)
-                      << "</ipxact:name>\n        <ipxact:designInstantiationRef>design" << unsigned(i)
-                      << "</ipxact:designInstantiationRef>\n      </ipxact:view>\n";
-                o << "    </ipxact:views>\n    <ipxact:instantiations>\n";
+                    o << "      <view>\n        <name>view" << unsigned(i)
+                      << "</name>\n        <designInstantiationRef>design" << unsigned(i)
+                      << "</designInstantiationRef>\n      </view>\n";
+                o << "    </views>\n    <instantiations>\n";
                 for (std::size_t i = 0; i < ds.size(); ++i) {
-                    o << "      <ipxact:designInstantiation>\n        <ipxact:name>design" << unsigned(i)
-                      << "</ipxact:name>\n        <ipxact:designRef";
+                    o << "      <designInstantiation>\n        <name>design" << unsigned(i)
+                      << "</name>\n        <designRef";
                     o.vlnvAttributes(idOf(ds[i].second->identity));
-                    o << "/>\n      </ipxact:designInstantiation>\n";
+                    o << "/>\n      </designInstantiation>\n";
                     std::string name = str(ds[i].second->identity->getName());
                     if (ds[i].first != name &&
                         ds[i].first != name + "@" + str(ds[i].second->identity->getVersion()))
@@ -243,17 +243,17 @@ struct writer {
                              " is keyed differently from its name " + name +
                              "; it reads back under its name");
                 }
-                o << "    </ipxact:instantiations>\n";
+                o << "    </instantiations>\n";
             }
             if (!ports.empty()) o.s += ports;
-            o << "  </ipxact:model>\n";
+            o << "  </model>\n";
         }
         if (kalgenerators* g = c->data->generators) {
             auto gens = g->getGeneratorMap();
             if (!gens.empty()) {
-                o << "  <ipxact:componentGenerators>\n";
+                o << "  <componentGenerators>\n";
                 for (auto& [name, gen] : gens) {
-                    o << "    <ipxact:componentGenerator>\n";
+                    o << "    <componentGenerator>\n";
                     o.element("      ", "name", xmlName(name));
                     o.element("      ", "generatorExe", gen->getDetail());
                     out x;
@@ -262,46 +262,46 @@ struct writer {
                     extensions(o, "      ", x.s);
                     for (auto& [gname, grp] : g->getGroupMap())
                         if (grp->hasGenerator(&name)) o.element("      ", "group", gname);
-                    o << "    </ipxact:componentGenerator>\n";
+                    o << "    </componentGenerator>\n";
                 }
-                o << "  </ipxact:componentGenerators>\n";
+                o << "  </componentGenerators>\n";
             }
         }
         if (!c->data->filesets.empty()) {
-            o << "  <ipxact:fileSets>\n";
+            o << "  <fileSets>\n";
             for (auto& [name, fs] : c->data->filesets) {
                 if (!fs) continue;
-                o << "    <ipxact:fileSet>\n";
+                o << "    <fileSet>\n";
                 o.element("      ", "name", xmlName(name));
                 for (kalfile* f : fs->getFiles()) {
-                    o << "      <ipxact:file>\n";
+                    o << "      <file>\n";
                     o.element("        ", "name", str(f->getName()));
                     o.element("        ", "fileType", "unknown");
-                    o << "        <ipxact:vendorExtensions>\n          <kd:file name=\"" << str(f->getName())
+                    o << "        <vendorExtensions>\n          <kd:file name=\"" << str(f->getName())
                       << "\" second=\"" << str(f->getSecondField()) << "\" third=\""
                       << str(f->getThirdField()) << "\"/>\n";
                     attributes(o, "          ", *f);
-                    o << "        </ipxact:vendorExtensions>\n      </ipxact:file>\n";
+                    o << "        </vendorExtensions>\n      </file>\n";
                 }
-                o << "      <ipxact:vendorExtensions>\n        <kd:fileSet name=\"" << name << "\" second=\""
+                o << "      <vendorExtensions>\n        <kd:fileSet name=\"" << name << "\" second=\""
                   << str(fs->getSecondField()) << "\" third=\"" << str(fs->getThirdField()) << "\"/>\n";
                 attributes(o, "        ", *fs);
-                o << "      </ipxact:vendorExtensions>\n    </ipxact:fileSet>\n";
+                o << "      </vendorExtensions>\n    </fileSet>\n";
             }
-            o << "  </ipxact:fileSets>\n";
+            o << "  </fileSets>\n";
         }
         if (!c->data->parameters.empty()) {
-            o << "  <ipxact:parameters>\n";
+            o << "  <parameters>\n";
             for (auto& [key, p] : c->data->parameters) {
-                o << "    <ipxact:parameter>\n";
+                o << "    <parameter>\n";
                 o.element("      ", "name", xmlName(key));
                 o.element("      ", "value", valueText(str(p->getValue())));
-                o << "      <ipxact:vendorExtensions>\n        <kd:parameter name=\"" << key << "\" second=\""
+                o << "      <vendorExtensions>\n        <kd:parameter name=\"" << key << "\" second=\""
                   << str(p->getSecondField()) << "\" fourth=\"" << str(p->getFourthField()) << "\"/>\n";
                 attributes(o, "        ", *p);
-                o << "      </ipxact:vendorExtensions>\n    </ipxact:parameter>\n";
+                o << "      </vendorExtensions>\n    </parameter>\n";
             }
-            o << "  </ipxact:parameters>\n";
+            o << "  </parameters>\n";
         }
         out x;
         attributes(x, "    ", *c->data);
@@ -311,7 +311,7 @@ struct writer {
             x << "    </kd:lpc>\n";
         }
         extensions(o, "  ", x.s);
-        o << "</ipxact:component>\n";
+        o << "</component>\n";
         docs.push_back({pathOf(id), std::move(o.s)});
     }
 
@@ -324,16 +324,15 @@ struct writer {
                 warn("port " + name + " of " + idOf(c->identity).str() + " has no direction; not written");
                 return;
             }
-            o << "      <ipxact:port>\n";
+            o << "      <port>\n";
             o.element("        ", "name", xmlName(name));
             if (text) o.element("        ", "description", *text);
-            o << "        <ipxact:wire>\n          <ipxact:direction>" << dirs[dir]
-              << "</ipxact:direction>\n";
+            o << "        <wire>\n          <direction>" << dirs[dir] << "</direction>\n";
             if (bus)
-                o << "          <ipxact:vectors>\n            <ipxact:vector>\n              <ipxact:left>"
-                  << msb << "</ipxact:left>\n              <ipxact:right>" << lsb
-                  << "</ipxact:right>\n            </ipxact:vector>\n          </ipxact:vectors>\n";
-            o << "        </ipxact:wire>\n";
+                o << "          <vectors>\n            <vector>\n              <left>" << msb
+                  << "</left>\n              <right>" << lsb
+                  << "</right>\n            </vector>\n          </vectors>\n";
+            o << "        </wire>\n";
             out x;
             if (xmlName(name) != name) x << "          <kd:name value=\"" << name << "\"/>\n";
             if (second != name) x << "          <kd:second value=\"" << second << "\"/>\n";
@@ -348,7 +347,7 @@ struct writer {
                     }
                 }
             extensions(o, "        ", x.s);
-            o << "      </ipxact:port>\n";
+            o << "      </port>\n";
         };
         for (auto& [name, pb] : c->data->portbuses)
             one(name, pb->getText(), pb->getDirection(), true, pb->getMsb(), pb->getLsb(),
@@ -359,7 +358,7 @@ struct writer {
             one(name, p->getText(), p->getDirection(), false, 0, 0, str(p->getSecondName()), *p, nullptr);
         }
         if (o.s.empty()) return std::string();
-        return "    <ipxact:ports>\n" + o.s + "    </ipxact:ports>\n";
+        return "    <ports>\n" + o.s + "    </ports>\n";
     }
 
     // An instance that differs from the document of its VLNV: what the reader
@@ -412,28 +411,28 @@ struct writer {
         vlnv id = idOf(d->identity);
         kalcomponent* owner = d->owner;
         out o;
-        o << header << "<ipxact:design" << namespaces << " xmlns:kd=\"" << extensionNamespace << "\">\n";
+        o << header << "<design" << namespaces << " xmlns:kd=\"" << extensionNamespace << "\">\n";
         o.vlnvElements("  ", *d->identity);
         auto* instances = d->data->getInstanceMap();
         if (!instances->empty()) {
-            o << "  <ipxact:componentInstances>\n";
+            o << "  <componentInstances>\n";
             for (auto& [name, inst] : *instances) {
-                o << "    <ipxact:componentInstance>\n";
+                o << "    <componentInstance>\n";
                 o.element("      ", "instanceName", xmlName(name));
-                o << "      <ipxact:componentRef";
+                o << "      <componentRef";
                 o.vlnvAttributes(idOf(inst->identity));
                 o << "/>\n";
                 out ext;
                 if (xmlName(name) != name) ext << "        <kd:name value=\"" << name << "\"/>\n";
                 differences(ext, inst, "instance " + name + " of design " + id.str());
                 if (!ext.s.empty()) {
-                    o << "      <ipxact:vendorExtensions>\n";
+                    o << "      <vendorExtensions>\n";
                     o.s += ext.s;
-                    o << "      </ipxact:vendorExtensions>\n";
+                    o << "      </vendorExtensions>\n";
                 }
-                o << "    </ipxact:componentInstance>\n";
+                o << "    </componentInstance>\n";
             }
-            o << "  </ipxact:componentInstances>\n";
+            o << "  </componentInstances>\n";
         }
 
         // Port buses that lie wholly on a net bus, slot for slot, are written as
@@ -465,31 +464,31 @@ struct writer {
             kalcomponent* c = p ? p->getComponent() : pb->getComponent();
             std::string portName = pb ? str(pb->getName()) : str(p->getName());
             if (c == owner)
-                r << "        <ipxact:externalPortReference portRef=\"" << xmlName(portName) << "\"";
+                r << "        <externalPortReference portRef=\"" << xmlName(portName) << "\"";
             else
-                r << "        <ipxact:internalPortReference componentRef=\""
-                  << xmlName(str(c->data->instanceName)) << "\" portRef=\"" << xmlName(portName) << "\"";
+                r << "        <internalPortReference componentRef=\"" << xmlName(str(c->data->instanceName))
+                  << "\" portRef=\"" << xmlName(portName) << "\"";
             unsigned bit = 0;
             if (bitSelect && bitNumber(str(p->getName()), bit))
-                r << ">\n          <ipxact:partSelect>\n            <ipxact:range>\n              "
-                     "<ipxact:left>"
-                  << bit << "</ipxact:left>\n              <ipxact:right>" << bit
-                  << "</ipxact:right>\n            </ipxact:range>\n          </ipxact:partSelect>\n        "
-                  << (c == owner ? "</ipxact:externalPortReference>\n" : "</ipxact:internalPortReference>\n");
+                r << ">\n          <partSelect>\n            <range>\n              "
+                     "<left>"
+                  << bit << "</left>\n              <right>" << bit
+                  << "</right>\n            </range>\n          </partSelect>\n        "
+                  << (c == owner ? "</externalPortReference>\n" : "</internalPortReference>\n");
             else
                 r << "/>\n";
         };
         out conns;
         auto connection = [&](const std::string& name, const std::string& refs) {
-            conns << "    <ipxact:adHocConnection>\n";
+            conns << "    <adHocConnection>\n";
             conns.element("      ", "name", xmlName(name));
-            conns << "      <ipxact:portReferences>\n";
+            conns << "      <portReferences>\n";
             conns.s += refs;
-            conns << "      </ipxact:portReferences>\n";
+            conns << "      </portReferences>\n";
             if (xmlName(name) != name)
-                conns << "      <ipxact:vendorExtensions>\n        <kd:name value=\"" << name
-                      << "\"/>\n      </ipxact:vendorExtensions>\n";
-            conns << "    </ipxact:adHocConnection>\n";
+                conns << "      <vendorExtensions>\n        <kd:name value=\"" << name
+                      << "\"/>\n      </vendorExtensions>\n";
+            conns << "    </adHocConnection>\n";
         };
         for (auto& [nb, whole] : busConnections) {
             out refs;
@@ -570,16 +569,26 @@ struct writer {
             warn("dual port buses of design " + id.str() + " are not written");
 
         if (!conns.s.empty()) {
-            o << "  <ipxact:adHocConnections>\n";
+            o << "  <adHocConnections>\n";
             o.s += conns.s;
-            o << "  </ipxact:adHocConnections>\n";
+            o << "  </adHocConnections>\n";
         }
         if (!ext.s.empty()) {
-            o << "  <ipxact:vendorExtensions>\n";
+            o << "  <vendorExtensions>\n";
             o.s += ext.s;
-            o << "  </ipxact:vendorExtensions>\n";
+            o << "  </vendorExtensions>\n";
         }
-        o << "</ipxact:design>\n";
+        o << "</design>\n";
+        // A design document is mostly connections: without indentation it is
+        // a good deal smaller, and so is what a reader has to hold of it.
+        std::size_t w = 0;
+        bool lineStart = true;
+        for (char ch : o.s) {
+            if (lineStart && ch == ' ') continue;
+            lineStart = ch == '\n';
+            o.s[w++] = ch;
+        }
+        o.s.resize(w);
         docs.push_back({pathOf(id), std::move(o.s)});
     }
 

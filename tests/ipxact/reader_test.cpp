@@ -4,6 +4,7 @@
 #include <pugixml.hpp>
 
 #include <filesystem>
+#include <fstream>
 #include <functional>
 #include <map>
 #include <set>
@@ -180,6 +181,50 @@ TEST_F(reader, skipsWhatTheModelCannotHoldWithFileAndLine) {
     ASSERT_NE(r.root->getAttributeValue(S("moduleName")), nullptr);
     EXPECT_EQ(*r.root->getAttributeValue(S("moduleName")), "odd_top");
     release(r.root);
+}
+
+// A design whose component is instantiated with two parameter values is
+// worked out twice; the reader takes each connection out of the document once
+// used, so the second time it parses the document again.
+TEST_F(reader, aDesignUsedWithTwoParameterSetsIsReadTwice) {
+    std::string leaf = component("leaf", port("a", "in", "W-1", "0"), param("uuid_lw", "W", "1"));
+    std::string mid = component("mid", port("v", "in", "W-1", "0"), param("uuid_mw", "W", "2"), "mid_d");
+    std::string midD = design("mid_d",
+                              instance("l", "leaf",
+                                       "<ipxact:configurableElementValue referenceId=\"uuid_lw\">uuid_mw"
+                                       "</ipxact:configurableElementValue>"),
+                              adhoc("n", internal("l", "a") + external("v")));
+    auto with = [](const char* w) {
+        return std::string("<ipxact:configurableElementValue referenceId=\"uuid_mw\">") + w +
+               "</ipxact:configurableElementValue>";
+    };
+    std::string top = component("top", "", "", "top_d");
+    std::string topD =
+        design("top_d", instance("m2", "mid", with("2")) + instance("m5", "mid", with("5")), "");
+    std::vector<std::pair<std::string, std::string>> set = {
+        {"leaf.xml", leaf}, {"mid.xml", mid}, {"mid_d.xml", midD}, {"top.xml", top}, {"top_d.xml", topD}};
+    std::filesystem::path dir = std::filesystem::path(KALDATA_WRITE_DIR) / "../reader-twice";
+    std::filesystem::remove_all(dir);
+    std::filesystem::create_directories(dir);
+    for (auto& [name, text] : set)
+        std::ofstream(dir / name) << text;
+    kalrecorder::setNullObjects(true);
+    for (bool fromFiles : {false, true}) {
+        kalipxact::loadResult r = fromFiles ? kalipxact::load(dir.string(), "acme:ip:top:1.0")
+                                            : kalipxact::loadDocuments(set, "acme:ip:top:1.0");
+        ASSERT_TRUE(r.ok) << r.error.str();
+        EXPECT_MODEL_OK(r.root);
+        for (auto [inst, width] : {std::pair<const char*, unsigned>{"m2", 2}, {"m5", 5}}) {
+            kalcomponent* m = r.root->getComponent(S((std::string("top/") + inst).c_str()));
+            ASSERT_NE(m, nullptr);
+            kaldesign* d = m->getDesign(const_cast<std::string*>(S("mid_d")));
+            ASSERT_NE(d, nullptr) << inst;
+            ASSERT_NE(d->getNetbus(S("n")), nullptr) << inst;
+            EXPECT_EQ(d->getNetbus(S("n"))->getBits().size(), width) << inst;
+            EXPECT_EQ(netPorts(d, "n[0]"), "l/a[0] v[0]") << inst;
+        }
+        release(r.root);
+    }
 }
 
 // ---- the example library, counted by a walk that shares nothing with the reader
