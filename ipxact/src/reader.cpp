@@ -412,6 +412,11 @@ struct resolver {
                     pp.fourth = x.attribute("fourth").value();
                 }
             });
+            if (std::any_of(c.params.begin(), c.params.end(),
+                            [&](const paramP& o) { return o.name == pp.name; })) {
+                warn(d, p, "second parameter named " + pp.name + " skipped");
+                continue;
+            }
             c.params.push_back(std::move(pp));
         }
 
@@ -590,6 +595,11 @@ struct resolver {
                 if (!std::strcmp(n, "attribute")) attribute(x, gp.attrs);
                 if (!std::strcmp(n, "name")) gp.name = x.attribute("value").value();
             });
+            if (std::any_of(c.generators.begin(), c.generators.end(),
+                            [&](const generatorP& o) { return o.name == gp.name; })) {
+                warn(d, g, "second generator named " + gp.name + " skipped");
+                return;
+            }
             c.generators.push_back(std::move(gp));
         });
 
@@ -862,7 +872,8 @@ struct resolver {
         std::deque<group> groups;               // stable: the name index holds views of the names
         std::map<unsigned, groupExtra> extras;  // ordered: attributes apply in document order
         std::vector<unsigned> parent;           // union-find over nodes, the smaller node is the root
-        std::unordered_map<std::string_view, unsigned> groupByName;
+        // Nets and net buses have names of their own, as in a design's two maps.
+        std::unordered_map<std::string_view, unsigned> scalarByName, busByName;
         bool bracketed = false;  // a scalar group named like a bus bit
         std::vector<std::size_t> base(ds.insts.size() + 1);
         std::size_t total = owner ? owner->plan->bits : 0;
@@ -901,12 +912,13 @@ struct resolver {
         };
         // A new group: joined by name with an existing net of that name.
         auto newGroup = [&](group g, groupExtra* x, const document& at, pugi::xml_node where) -> unsigned {
-            auto it = groupByName.find(g.name);
-            if (it != groupByName.end()) {
+            auto& byName = g.bus ? busByName : scalarByName;
+            auto it = byName.find(g.name);
+            if (it != byName.end()) {
                 group& old = groups[it->second];
                 if (old.bus != g.bus || old.width() != g.width())
                     at.fail(where,
-                            "connection " + g.name + " has the name of an earlier net of another width");
+                            "connection " + g.name + " has the name of an earlier net bus of another width");
                 if (x) {
                     groupExtra& ox = extras[it->second];
                     old.extra = true;
@@ -929,15 +941,15 @@ struct resolver {
                 extras[gi] = std::move(*x);
             }
             groups.push_back(std::move(g));
-            groupByName[groups.back().name] = gi;
+            byName[groups.back().name] = gi;
             const group& ng = groups.back();
             if (!ng.bus) {
                 // name[i]: the bit of an earlier net bus
                 std::size_t open = ng.name.rfind('[');
                 if (open != std::string::npos && ng.name.back() == ']') {
                     bracketed = true;
-                    auto bus = groupByName.find(ng.name.substr(0, open));
-                    if (bus != groupByName.end() && groups[bus->second].bus) {
+                    auto bus = busByName.find(std::string_view(ng.name).substr(0, open));
+                    if (bus != busByName.end()) {
                         const group& bg = groups[bus->second];
                         for (unsigned s = 0; s < bg.width(); ++s)
                             if (bg.nodeName(s) == ng.name) unite(bg.first + s, ng.first);
@@ -945,9 +957,8 @@ struct resolver {
                 }
             } else if (bracketed) {
                 for (unsigned s = 0; s < ng.width(); ++s) {
-                    auto bit = groupByName.find(ng.nodeName(s));
-                    if (bit != groupByName.end() && !groups[bit->second].bus)
-                        unite(ng.first + s, groups[bit->second].first);
+                    auto bit = scalarByName.find(ng.nodeName(s));
+                    if (bit != scalarByName.end()) unite(ng.first + s, groups[bit->second].first);
                 }
             }
             return gi;
@@ -1067,8 +1078,8 @@ struct resolver {
                 })) {
                 // A bus: the range of an earlier declaration, else of the first whole vector, else w-1..0.
                 g.bus = true;
-                auto declared = groupByName.find(g.name);
-                if (declared != groupByName.end() && groups[declared->second].bus) {
+                auto declared = busByName.find(g.name);
+                if (declared != busByName.end()) {
                     g.msb = groups[declared->second].msb;
                     g.lsb = groups[declared->second].lsb;
                 } else {
