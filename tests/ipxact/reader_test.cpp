@@ -327,6 +327,27 @@ TEST_F(reader, examplesMatchAnIndependentCountOfTheirDocuments) {
     EXPECT_GE(tops, 10u);
 }
 
+// The top may be a design or a design configuration: a root component of the
+// design's VLNV then holds that design alone.
+TEST_F(reader, topDesignOrDesignConfiguration) {
+    std::string folder = shared + "/ipxact/examples";
+    if (!std::filesystem::is_directory(folder)) GTEST_SKIP() << folder << " is absent";
+    kalrecorder::setNullObjects(true);
+    for (const char* top : {"tut.fi:other.subsystem:spi_example.design:1.0_bus",
+                            "tut.fi:other.subsystem:spi_example.designcfg:1.0_bus"}) {
+        kalipxact::loadResult r = kalipxact::load(folder, top);
+        ASSERT_TRUE(r.ok) << top << ": " << r.error.str();
+        EXPECT_EQ(*r.root->identity->getName(), "spi_example.design") << top;
+        ASSERT_EQ(r.root->data->designs.size(), 1u);
+        kaldesign* d = r.root->data->designs.begin()->second;
+        EXPECT_EQ(d->data->getInstanceMap()->size(), 4u);
+        EXPECT_EQ(netPorts(d, "spi_master_0_master_if_to_spi_slave_0_slave_if_SCLK"),
+                  "spi_master_0/clk_out spi_slave_0/clk_in spi_slave_1/clk_in spi_slave_2/clk_in");
+        EXPECT_MODEL_OK(r.root);
+        release(r.root);
+    }
+}
+
 TEST_F(reader, adHocDesignJoinsEveryReferenceOnce) {
     std::string folder = shared + "/ipxact/examples";
     if (!std::filesystem::is_directory(folder)) GTEST_SKIP() << folder << " is absent";
