@@ -125,6 +125,7 @@ int runStat(const std::vector<std::string>& args) {
         std::printf("%-60s %10zu %10zu %10zu %12zu\n", ("level " + std::to_string(depth) + " total").c_str(),
                     n.instances, n.ports, n.nets, n.connections);
     std::printf("%zu warnings\n", r.warnings.size());
+    kalipxact::releaseCatalogueGroups(r.root);
     kalsupport::release(r.root);
     return 0;
 }
@@ -143,6 +144,7 @@ int runCheck(const std::vector<std::string>& args) {
     for (auto& p : problems)
         std::printf("model: %s\n", p.c_str());
     std::printf("%zu warnings, %zu model problems\n", r.warnings.size(), problems.size());
+    kalipxact::releaseCatalogueGroups(r.root);
     kalsupport::release(r.root);
     return problems.empty() ? 0 : 1;
 }
@@ -180,6 +182,7 @@ int runConvert(const std::vector<std::string>& args) {
                 std::printf("%s\n", f.c_str());
         }
     }
+    kalipxact::releaseCatalogueGroups(r.root);
     kalsupport::release(r.root);
     return status;
 }
@@ -196,6 +199,7 @@ int runRecords(const std::vector<std::string>& args) {
         std::printf("%s\n", line.c_str());
     kalrecorder::clear();
     kalrecorder::setNullObjects(true);  // teardown records are not the load's
+    kalipxact::releaseCatalogueGroups(r.root);
     kalsupport::release(r.root);
     return 0;
 }

@@ -86,8 +86,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
             }
             die("written documents read back to another model");
         }
+        kalipxact::releaseCatalogueGroups(again.root);
         kalsupport::release(again.root);
     }
+    kalipxact::releaseCatalogueGroups(r.root);
     kalsupport::release(r.root);
     kalrecorder::clear();
     return 0;

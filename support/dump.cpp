@@ -123,6 +123,22 @@ void component(std::ostream& o, const std::string& pad, kalcomponent* c) {
             attributes(o, in + "  ", *gen);
         }
     }
+    if (kalelements* e = c->getElements()) {
+        for (auto& [name, g] : e->getGroupMap()) {
+            o << in << "catalogue group " << name << " category=" << g->getCategory() << " members";
+            for (auto& m : g->getElementMap())
+                o << " " << m.first;
+            o << " subgroups";
+            for (auto& sub : g->getSubgroupMap())
+                o << " " << sub.first;
+            o << "\n";
+            attributes(o, in + "  ", *g);
+        }
+        for (auto& [name, el] : e->getElementMap()) {
+            o << in << "catalogue element " << name << "\n";
+            attributes(o, in + "  ", *el);
+        }
+    }
     for (kallpc* l : c->data->lpcs) {
         o << in << "lpc \"" << l->getValue() << "\"\n";
         attributes(o, in + "  ", *l);

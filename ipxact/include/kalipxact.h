@@ -88,6 +88,11 @@ KALIPXACT_API writeResult write(kalcomponent* root, const std::string& folder);
 KALIPXACT_API writeResult writeDocuments(kalcomponent* root,
                                          std::vector<std::pair<std::string, std::string>>& documents);
 
+// Frees the groups of every element catalogue below `root` (taking them out of
+// their catalogues): neither a component nor kalsupport::release frees them.
+// Call it on a loaded model before kalsupport::release.
+KALIPXACT_API void releaseCatalogueGroups(kalcomponent* root);
+
 }  // namespace kalipxact
 
 #endif

@@ -61,6 +61,24 @@ struct lpcP {
     std::vector<attrP> attrs;
 };
 
+// The element catalogue, as the writer records it: groups with their own
+// members and nested groups, elements with their type.
+struct catalogueP {
+    struct group {
+        std::string name, type;
+        unsigned category = 0;
+        std::vector<attrP> attrs;
+        std::vector<std::string> members, subgroups;
+    };
+    struct element {
+        std::string name, type;
+        std::vector<attrP> attrs;
+    };
+    std::vector<group> groups;
+    std::vector<element> elements;
+    bool empty() const { return groups.empty() && elements.empty(); }
+};
+
 struct designP;
 
 struct componentP {
@@ -73,6 +91,7 @@ struct componentP {
     std::vector<filesetP> filesets;
     std::vector<generatorP> generators;
     std::vector<lpcP> lpcs;
+    catalogueP catalogue;
     std::vector<const designP*> designs;
     std::vector<std::string> designKeys;  // the model's design names, parallel to designs
 };

@@ -615,6 +615,7 @@ struct resolver {
                 else
                     c.attrs.push_back(one[0]);
             }
+            if (!std::strcmp(n, "catalogue")) catalogue(d, x, c.catalogue);
             if (!std::strcmp(n, "lpc")) {
                 lpcP l;
                 l.value = x.attribute("value").value();
@@ -669,6 +670,44 @@ struct resolver {
         currentOwner = outer;
         stack.pop_back();
         return c;
+    }
+
+    // The element catalogue this library wrote; names are unique in it.
+    void catalogue(const document& d, pugi::xml_node x, catalogueP& into) {
+        std::set<std::string> groups, elements;
+        for (pugi::xml_node c = x.first_child(); c; c = c.next_sibling()) {
+            const char* n = localName(c.name());
+            std::vector<attrP> attrs;
+            for (pugi::xml_node a = c.first_child(); a; a = a.next_sibling())
+                if (!std::strcmp(localName(a.name()), "attribute")) attribute(a, attrs);
+            std::string name = c.attribute("name").value();
+            if (!std::strcmp(n, "group")) {
+                if (!groups.insert(name).second) {
+                    warn(d, c, "second catalogue group named " + name + " skipped");
+                    continue;
+                }
+                catalogueP::group g{name,
+                                    c.attribute("type").value(),
+                                    c.attribute("category").as_uint(),
+                                    std::move(attrs),
+                                    {},
+                                    {}};
+                for (pugi::xml_node m = c.first_child(); m; m = m.next_sibling()) {
+                    if (!std::strcmp(localName(m.name()), "member"))
+                        g.members.push_back(m.attribute("name").value());
+                    if (!std::strcmp(localName(m.name()), "subgroup"))
+                        g.subgroups.push_back(m.attribute("name").value());
+                }
+                into.groups.push_back(std::move(g));
+            } else if (!std::strcmp(n, "element")) {
+                if (!elements.insert(name).second) {
+                    warn(d, c, "second catalogue element named " + name + " skipped");
+                    continue;
+                }
+                into.elements.push_back(
+                    catalogueP::element{name, c.attribute("type").value(), std::move(attrs)});
+            }
+        }
     }
 
     // Bits that a part select (or, without one, the whole port) names, left to right.
@@ -1408,12 +1447,47 @@ struct builder {
                 }
             }
         }
+        if (!c.catalogue.empty()) catalogue(k, c.catalogue);
         for (auto& l : c.lpcs) {
             auto* kl = new kallpc(l.value);
             attrs(kl, l.attrs);
             k->addLPC(kl);
         }
         return k;
+    }
+
+    // The catalogue's own operations set attributes and make a group per
+    // element type; what they add beyond the record is taken away again.
+    static void catalogue(kalcomponent* k, const catalogueP& cat) {
+        kalelements* e = k->getElements();
+        for (auto& g : cat.groups)
+            e->createGroup(g.category, &g.type, &g.name, false);
+        for (auto& el : cat.elements) {
+            kalelement* x = e->addElement(&el.type, &el.name, false);
+            if (!x) continue;
+            x->removeAllAttributes();
+            attrs(x, el.attrs);
+        }
+        std::set<std::string> recorded;
+        for (auto& g : cat.groups)
+            recorded.insert(g.name);
+        for (auto& [name, grp] : e->getGroupMap())
+            if (!recorded.count(name)) {
+                e->removeGroup(&name);
+                delete grp;  // made by addElement for a type whose group the record does not have
+            }
+        for (auto& g : cat.groups) {
+            kalelementgroup* grp = e->getGroup(&g.name);
+            grp->removeAllAttributes();
+            attrs(grp, g.attrs);
+            std::set<std::string> members(g.members.begin(), g.members.end());
+            for (auto& [name, el] : grp->getElementMap())
+                if (!members.count(name)) grp->removeElement(&name);
+            for (auto& m : g.members)
+                e->addElementToGroup(e->getElement(&m), &g.name);
+            for (auto& sub : g.subgroups)
+                grp->addGroup(e->getGroup(&sub));
+        }
     }
 
     void designs(kalcomponent* k, const componentP& c) {

@@ -305,6 +305,7 @@ struct writer {
         }
         out x;
         attributes(x, "    ", *c->data);
+        catalogue(x, c);
         for (kallpc* l : c->data->lpcs) {
             x << "    <kd:lpc value=\"" << l->getValue() << "\">\n";
             attributes(x, "      ", *l);
@@ -313,6 +314,36 @@ struct writer {
         extensions(o, "  ", x.s);
         o << "</component>\n";
         docs.push_back({pathOf(id), std::move(o.s)});
+    }
+
+    // The element catalogue: registered groups with their members and nested
+    // groups, and elements with their type.
+    static void catalogue(out& x, kalcomponent* c) {
+        kalelements* e = c->getElements();
+        if (!e) return;
+        auto groups = e->getGroupMap();
+        auto elements = e->getElementMap();
+        if (groups.empty() && elements.empty()) return;
+        x << "    <kd:catalogue>\n";
+        static const std::string groupType("GroupType"), elementType("ElementType");
+        for (auto& [name, g] : groups) {
+            x << "      <kd:group name=\"" << name << "\" category=\"" << g->getCategory() << "\" type=\""
+              << str(g->getAttributeValue(&groupType)) << "\">\n";
+            attributes(x, "        ", *g);
+            for (auto& m : g->getElementMap())
+                x << "        <kd:member name=\"" << m.first << "\"/>\n";
+            for (auto& sub : g->getSubgroupMap())
+                if (groups.count(sub.first) && groups.at(sub.first) == sub.second)
+                    x << "        <kd:subgroup name=\"" << sub.first << "\"/>\n";
+            x << "      </kd:group>\n";
+        }
+        for (auto& [name, el] : elements) {
+            x << "      <kd:element name=\"" << name << "\" type=\""
+              << str(el->getAttributeValue(&elementType)) << "\">\n";
+            attributes(x, "        ", *el);
+            x << "      </kd:element>\n";
+        }
+        x << "    </kd:catalogue>\n";
     }
 
     std::string portsText(kalcomponent* c) {
@@ -608,6 +639,34 @@ struct writer {
 };
 
 }  // namespace
+
+namespace {
+
+void collectGroups(kalcomponent* c, std::vector<std::pair<kalelements*, std::string>>& names,
+                   std::set<kalelementgroup*>& groups) {
+    if (kalelements* e = c->getElements())
+        for (auto& [name, g] : e->getGroupMap()) {
+            names.push_back({e, name});
+            groups.insert(g);
+        }
+    for (auto& [key, d] : c->data->designs)
+        if (d)
+            for (auto& [name, inst] : *d->data->getInstanceMap())
+                collectGroups(inst, names, groups);
+}
+
+}  // namespace
+
+void releaseCatalogueGroups(kalcomponent* root) {
+    if (!root) return;
+    std::vector<std::pair<kalelements*, std::string>> names;
+    std::set<kalelementgroup*> groups;
+    collectGroups(root, names, groups);
+    for (auto& [e, name] : names)
+        e->removeGroup(&name);
+    for (kalelementgroup* g : groups)
+        delete g;
+}
 
 writeResult writeDocuments(kalcomponent* root, std::vector<std::pair<std::string, std::string>>& documents) {
     writeResult r;

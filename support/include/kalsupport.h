@@ -34,8 +34,9 @@ KALSUPPORT_API void releaseLeftovers(kalcomponent* component);
 
 // The model below a root component as deterministic text, one line per
 // component, design, instance, parameter, file set, generator, LPC value,
-// port, port bus, net (with its connected ports), net bus and dual port, with
-// exports and attributes: equal models give equal text.
+// port, port bus, net (with its connected ports), net bus, dual port and
+// element catalogue entry, with exports and attributes: equal models give
+// equal text.
 KALSUPPORT_API std::string dumpModel(kalcomponent* root);
 
 }  // namespace kalsupport

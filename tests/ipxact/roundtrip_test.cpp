@@ -56,6 +56,7 @@ protected:
         kalipxact::writeDocuments(root, first);
         kalipxact::writeDocuments(r.root, second);
         EXPECT_TRUE(first == second) << "the second writing differs from the first";
+        kalipxact::releaseCatalogueGroups(r.root);
         release(r.root);
     }
 };
@@ -150,6 +151,19 @@ TEST_F(roundTrip, everythingIpXactHasNoElementFor) {
     lpc->setAttribute(S("IOSTANDARD"), S("LVCMOS33"), S("KAL"));
     top->addLPC(lpc);
 
+    // An element catalogue: a group of its own that nests the type group made
+    // by addElement, changed flags, an element taken out of its type group.
+    kalelements* cat = top->getElements();
+    cat->createGroup(2, S("pads"), S("io"), true);
+    kalelement* pin = cat->addElement(S("pin"), S("x[3]"), false);
+    pin->setAttribute(S("CLK_SRC"), S("true"), S("KAL"));
+    cat->addElementToGroup(pin, S("io"));
+    cat->setElementHideAttribute(S("x[3]"), true);
+    cat->addElement(S("pin"), S("9lives"), false);
+    cat->getGroup(S("io"))->addGroup(cat->getGroup(S("pin")));
+    cat->removeElementFromGroup(S("pin"), S("9lives"));
+    cat->setGroupDragAttribute(S("io"), false);
+
     // Two instances of one VLNV that differ in attributes, a parameter value and a range.
     kalcomponent* u1 = block(S, "blk", 3);
     kalcomponent* u2 = block(S, "blk", 7);
@@ -184,6 +198,8 @@ TEST_F(roundTrip, everythingIpXactHasNoElementFor) {
     d->addPortToDualPort("dp", u2->getPort(S("din"), false));
     EXPECT_MODEL_OK(top);
     check(top, "acme:soc:rich:2.1", "rich");
+    EXPECT_EQ(top->getClockSourceState(), 1) << "x[3] is a clock source of the catalogue";
+    kalipxact::releaseCatalogueGroups(top);
     release(top);
 }
 
