@@ -75,8 +75,12 @@ void design(std::ostream& o, const std::string& pad, const std::string& key, kal
             o << " " << portPath(p, owner);
         o << "\n";
     }
-    for (auto& [name, b] : *d->data->getDualPortbusMap())
-        o << in << "dualportbus " << name << " [" << b->getMsb() << ":" << b->getLsb() << "]\n";
+    for (auto& [name, b] : *d->data->getDualPortbusMap()) {
+        o << in << "dualportbus " << name << " [" << b->getMsb() << ":" << b->getLsb() << "] slots";
+        for (kaldualport* dp : b->getSlots())
+            o << " " << (dp ? dp->getName() : std::string("-"));
+        o << "\n";
+    }
 }
 
 void component(std::ostream& o, const std::string& pad, kalcomponent* c) {

@@ -146,6 +146,12 @@ struct dualP {
     std::vector<std::pair<int, std::string>> members;  // instance (-1 owner), port name
 };
 
+struct dualBusP {
+    std::string name;
+    unsigned msb = 0, lsb = 0;
+    std::vector<std::string> slots;  // dual port names, msb first; empty: an empty slot
+};
+
 struct designP {
     vlnv id;
     std::vector<attrP> attrs;
@@ -156,6 +162,7 @@ struct designP {
     std::vector<netExtraP> extras;
     std::vector<exportP> exports;
     std::vector<dualP> duals;
+    std::vector<dualBusP> dualBuses;
 };
 
 // Everything a load made, kept alive until the build is done.

@@ -1059,7 +1059,8 @@ struct resolver {
                 g.name = x.attribute("name").value();
                 newGroup(std::move(g), attrsOf(), d, x);
             }
-            if (!std::strcmp(n, "export") || !std::strcmp(n, "dualPort")) exportNodes.push_back(x);
+            if (!std::strcmp(n, "export") || !std::strcmp(n, "dualPort") || !std::strcmp(n, "dualPortBus"))
+                exportNodes.push_back(x);
         });
 
         // Ad-hoc connections: a net, or a net bus when they join vectors.
@@ -1223,6 +1224,24 @@ struct resolver {
                                       ": the two ports are not on one net");
                 }
                 ds.exports.push_back(exportP{inst, port, top});
+            } else if (!std::strcmp(n, "dualPortBus")) {
+                dualBusP b{x.attribute("name").value(),
+                           x.attribute("msb").as_uint(),
+                           x.attribute("lsb").as_uint(),
+                           {}};
+                for (pugi::xml_node m = x.first_child(); m; m = m.next_sibling())
+                    if (!std::strcmp(localName(m.name()), "slot"))
+                        b.slots.push_back(m.attribute("dualPort").value());
+                std::size_t width = (b.msb > b.lsb ? b.msb - b.lsb : b.lsb - b.msb) + std::size_t(1);
+                if (b.slots.size() != width)
+                    d.fail(x, "dual port bus " + b.name + " has " + std::to_string(b.slots.size()) +
+                                  " slots for a range of " + std::to_string(width) + " bits");
+                for (auto& slot : b.slots)
+                    if (!slot.empty() && std::none_of(ds.duals.begin(), ds.duals.end(),
+                                                      [&](const dualP& dp) { return dp.name == slot; }))
+                        d.fail(x, "dual port bus " + b.name + " names dual port " + slot +
+                                      ", which the design does not declare before it");
+                ds.dualBuses.push_back(std::move(b));
             } else {
                 dualP dp;
                 dp.name = x.attribute("name").value();
@@ -1573,6 +1592,13 @@ struct builder {
                     kalcomponent* on = inst < 0 ? k : made[static_cast<std::size_t>(inst)];
                     d->addPortToDualPort(dual.name, on->getPort(&port, false));
                 }
+            for (auto& b : dp.dualBuses) {
+                std::vector<kaldualport*> slots;
+                for (auto& name : b.slots)
+                    slots.push_back(name.empty() ? nullptr : d->getDualPort(name));
+                kaldualportbus* kb = kaldualportbus::createDualPortBus(b.name, b.msb, b.lsb, slots);
+                if (kb && !d->insertDualPortBus(b.name, kb)) delete kb;
+            }
         }
     }
 };

@@ -596,8 +596,17 @@ struct writer {
             }
             ext << "    </kd:dualPort>\n";
         }
-        if (!d->data->getDualPortbusMap()->empty())
-            warn("dual port buses of design " + id.str() + " are not written");
+        for (auto& [name, b] : *d->data->getDualPortbusMap()) {
+            ext << "    <kd:dualPortBus name=\"" << name << "\" msb=\"" << b->getMsb() << "\" lsb=\""
+                << b->getLsb() << "\">\n";
+            for (kaldualport* dp : b->getSlots()) {
+                if (dp)
+                    ext << "      <kd:slot dualPort=\"" << dp->getName() << "\"/>\n";
+                else
+                    ext << "      <kd:slot/>\n";
+            }
+            ext << "    </kd:dualPortBus>\n";
+        }
 
         if (!conns.s.empty()) {
             o << "  <adHocConnections>\n";

@@ -196,6 +196,12 @@ TEST_F(roundTrip, everythingIpXactHasNoElementFor) {
     top->addExport("rich/u2/dout", true, S(""), S("out9"));
     d->addPortToDualPort("dp", u1->getPort(S("din"), false));
     d->addPortToDualPort("dp", u2->getPort(S("din"), false));
+    d->addPortToDualPort("dp2", u1->getPort(S("clk"), false));
+    d->addPortToDualPort("dp2", u2->getPort(S("clk"), false));
+    kaldualportbus* dpb = kaldualportbus::createDualPortBus(
+        "dpb", 2, 0, {d->getDualPort("dp"), nullptr, d->getDualPort("dp2")});
+    ASSERT_NE(dpb, nullptr);
+    ASSERT_TRUE(d->insertDualPortBus("dpb", dpb));
     EXPECT_MODEL_OK(top);
     check(top, "acme:soc:rich:2.1", "rich");
     EXPECT_EQ(top->getClockSourceState(), 1) << "x[3] is a clock source of the catalogue";
