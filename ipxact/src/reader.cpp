@@ -316,7 +316,6 @@ struct resolver {
         if (foreign)
             warnOnce(d, ext, "foreign-ext", "vendor extensions of other tools skipped (first at this line)");
     }
-    static std::vector<attrP>* attrTarget(std::vector<attrP>& v) { return &v; }
     static void attribute(pugi::xml_node c, std::vector<attrP>& into) {
         into.push_back(attrP{c.attribute("name").value(), c.attribute("value").value(),
                              c.attribute("vendor").value(), !c.attribute("vendor").empty()});
@@ -628,7 +627,7 @@ struct resolver {
         // Designs, through views.
         componentInfo* outer = currentOwner;
         currentOwner = &info;
-        std::vector<std::pair<const designP*, std::string>> found;
+        std::vector<const designP*> found;
         pugi::xml_node views = d.child(model, "views");
         d.each(views, "view", [&](pugi::xml_node v) {
             std::string di = d.text(v, "designInstantiationRef"),
@@ -659,11 +658,10 @@ struct resolver {
             }
         });
         // Design names are the model's keys: two designs of one name keep their versions apart.
-        for (auto& [dp, unused] : found) {
-            (void)unused;
+        for (const designP* dp : found) {
             std::size_t same = 0;
-            for (auto& other : found)
-                same += other.first->id.name == dp->id.name;
+            for (const designP* other : found)
+                same += other->id.name == dp->id.name;
             c.designs.push_back(dp);
             c.designKeys.push_back(same > 1 ? dp->id.name + "@" + dp->id.version : dp->id.name);
         }
@@ -734,18 +732,18 @@ struct resolver {
         }
     }
 
-    void addDesign(std::vector<std::pair<const designP*, std::string>>& found, const vlnv& id,
-                   const document& from, pugi::xml_node at, const scope& owner, pugi::xml_node overridesAt) {
-        for (auto& f : found)
-            if (f.first->id == id) return;  // several views, one design
-        found.push_back({&design(id, from, at, owner, overridesAt), ""});
+    void addDesign(std::vector<const designP*>& found, const vlnv& id, const document& from,
+                   pugi::xml_node at, const scope& owner, pugi::xml_node overridesAt) {
+        for (const designP* f : found)
+            if (f->id == id) return;  // several views, one design
+        found.push_back(&design(id, from, at, owner, overridesAt));
     }
 
     // ---- designs
     const designP& design(const vlnv& id, const document& from, pugi::xml_node at, const scope& ownerScope,
                           pugi::xml_node overridesAt) {
         const document& d = fresh(find(id, "design", from, at));
-        componentInfo* ownerInfo = stack.empty() ? nullptr : currentInfo();
+        componentInfo* ownerInfo = stack.empty() ? nullptr : currentOwner;
         auto owned = std::make_unique<designP>();
         designP& ds = *owned;
         out.designs.push_back(std::move(owned));
@@ -832,12 +830,7 @@ struct resolver {
         return ds;
     }
 
-    componentInfo* currentInfo() {
-        // The component being resolved is the last one entered into the cache
-        // whose VLNV is on top of the stack; its info is reached through its plan.
-        return currentOwner;
-    }
-    componentInfo* currentOwner = nullptr;
+    componentInfo* currentOwner = nullptr;  // the component whose designs are being resolved
 
     // An instance whose own content differs from its component's document (the
     // writer notes such differences in the instance's extensions).
@@ -1031,7 +1024,6 @@ struct resolver {
         };
 
         // Declarations this library wrote: net buses and nets that connections then join by name.
-        std::vector<std::pair<std::string, std::pair<int, std::pair<std::string, std::string>>>> exportsKd;
         std::vector<pugi::xml_node> exportNodes;
         extensions(d, root, [&](pugi::xml_node x, const char* n) {
             groupExtra ge;

@@ -125,6 +125,33 @@ TEST_F(badInput, topThatIsNoVlnvOrMissing) {
     EXPECT_EQ(kalrecorder::createCalls(), 0u);
 }
 
+// This library's own extensions are checked like the rest of a document.
+TEST_F(badInput, extensionsThatDoNotFitTheDesign) {
+    auto withExtensions = [](const std::string& adhocs, const std::string& ext) {
+        std::string d = design("top_d", instance("u1", "leaf") + instance("u2", "leaf"), adhocs);
+        d.insert(d.rfind("</ipxact:design>"),
+                 "<ipxact:vendorExtensions xmlns:kd=\"urn:kaldata:ipxact-extensions:1\">\n" + ext +
+                     "</ipxact:vendorExtensions>\n");
+        return d;
+    };
+    std::string d =
+        withExtensions(adhoc("n", internal("u1", "a") + internal("u2", "a")) + adhoc("m", external("p")),
+                       "<kd:export instance=\"u1\" port=\"a\" top=\"p\"/>\n");
+    fails({{"top.xml", top()}, {"leaf.xml", leaf()}, {"d.xml", d}}, "d.xml", "<kd:export",
+          "export of a to p: the two ports are not on one net");
+    std::string e =
+        withExtensions("",
+                       "<kd:dualPort name=\"dp\"><kd:member instance=\"u1\" port=\"a\"/></kd:dualPort>\n"
+                       "<kd:dualPortBus name=\"b\" msb=\"1\" lsb=\"0\"><kd:slot dualPort=\"dp\"/>"
+                       "</kd:dualPortBus>\n");
+    fails({{"top.xml", top()}, {"leaf.xml", leaf()}, {"d.xml", e}}, "d.xml", "<kd:dualPortBus",
+          "dual port bus b has 1 slots for a range of 2 bits");
+    std::string f = withExtensions(
+        "", "<kd:dualPort name=\"dp\"><kd:member instance=\"u1\" port=\"v[9]\"/></kd:dualPort>\n");
+    fails({{"top.xml", top()}, {"leaf.xml", leaf()}, {"d.xml", f}}, "d.xml", "<kd:member",
+          "dual port dp lists port v[9], which acme:ip:leaf:1.0 lacks");
+}
+
 // The failure is found after much was resolved: still nothing is made.
 TEST_F(badInput, lateFailureLeavesNoModelAndNoRecords) {
     std::string d = design("top_d", instance("u1", "leaf") + instance("u2", "leaf") + instance("u3", "leaf"),

@@ -145,6 +145,30 @@ TEST_F(reader, interconnectionsBecomeOneNetPerLogicalPortAcrossConnections) {
     release(r.root);
 }
 
+// A design keeps nets and net buses in two maps, so one name can be both; a
+// connection named like a bit of an earlier net bus joins that bit.
+TEST_F(reader, netsAndNetBusesHaveNamesOfTheirOwn) {
+    std::string leaf =
+        component("leaf", port("a", "in") + port("v", "out", "3", "0") + port("w", "in", "1", "0"));
+    std::string top = component("top", port("p", "in"), "", "top_d");
+    std::string d =
+        design("top_d", instance("u1", "leaf") + instance("u2", "leaf"),
+               adhoc("b", internal("u1", "v") + internal("u2", "v")) +
+                   adhoc("b[2]", internal("u1", "a") + external("p")) + adhoc("x", internal("u2", "a")) +
+                   adhoc("x", internal("u1", "w") + internal("u2", "w")));
+    kalipxact::loadResult r =
+        kalipxact::loadDocuments({{"leaf.xml", leaf}, {"top.xml", top}, {"d.xml", d}}, "acme:ip:top:1.0");
+    ASSERT_TRUE(r.ok) << r.error.str();
+    EXPECT_MODEL_OK(r.root);
+    kaldesign* ds = r.root->getDesign(const_cast<std::string*>(S("top_d")));
+    EXPECT_EQ(netPorts(ds, "b[2]"), "p u1/a u1/v[2] u2/v[2]");
+    ASSERT_NE(ds->getNetbus(S("b")), nullptr);
+    EXPECT_EQ(netPorts(ds, "x"), "u2/a");
+    ASSERT_NE(ds->getNetbus(S("x")), nullptr);
+    EXPECT_EQ(netPorts(ds, "x[0]"), "u1/w[0] u2/w[0]");
+    release(r.root);
+}
+
 TEST_F(reader, skipsWhatTheModelCannotHoldWithFileAndLine) {
     std::string c =
         head("component") + vlnv("odd") +
