@@ -49,6 +49,13 @@ KALSUPPORT_API void release(kalcomponent* root);
 /// Null does nothing.
 KALSUPPORT_API void releaseLeftovers(kalcomponent* component);
 
+// The model below a root component as deterministic text, one line per
+// component, design, instance, parameter, file set, generator, LPC value,
+// port, port bus, net (with its connected ports), net bus, dual port and
+// element catalogue entry, with exports and attributes: equal models give
+// equal text.
+KALSUPPORT_API std::string dumpModel(kalcomponent* root);
+
 }  // namespace kalsupport
 
 #endif
