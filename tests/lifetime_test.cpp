@@ -385,3 +385,59 @@ TEST_F(lifetime, members_that_left_a_slot_with_their_link_kept) {
 }
 
 }  // namespace
+
+namespace {
+
+// ---- a port whose link moved on while a net still lists it ----
+
+// A replaced design keeps its nets; the top port moves to the equal net of the
+// new design, and the old net still lists it.
+class movedOn : public lifetime {
+protected:
+    void SetUp() override {
+        lifetime::SetUp();
+        d->addNet(S("t"), S("t"), S(""), nullptr);
+        ASSERT_TRUE(d->connect(S("t"), S("in"), S("")));
+        old = d;
+        top->createDesign(S("v"), S("l"), S("rtl"), S("1"));
+        d = top->getDesign(const_cast<std::string*>(S("rtl")));
+        ASSERT_NE(d, old);
+        d->addNet(S("t"), S("t"), S(""), nullptr);
+        ASSERT_TRUE(d->connect(S("t"), S("in"), S("")));
+        in = top->getPort(S("in"), false);
+        ASSERT_EQ(in->getNet(), d->getNet(S("t")));
+        kalrecorder::clear();
+    }
+    void dropOld() {
+        kalsupport::releaseLeftovers(old->getInstance(S("u1")));
+        kalsupport::releaseLeftovers(old->getInstance(S("u2")));
+        delete old;
+        old = nullptr;
+    }
+    kaldesign* old = nullptr;
+    kalport* in = nullptr;
+};
+
+TEST_F(movedOn, port_removed_then_the_old_net_dies) {
+    ASSERT_EQ(top->removePort(S("in")), 1);
+    EXPECT_EQ(old->getNet(S("t"))->getPorts().size(), 0u);
+    dropOld();
+}
+
+TEST_F(movedOn, component_released_then_the_old_net_dies) {
+    dropTree();
+    EXPECT_EQ(old->getNet(S("t"))->getPorts().size(), 0u);
+    dropOld();
+}
+
+TEST_F(movedOn, old_net_removed_first) {
+    EXPECT_EQ(old->getNet(S("t"))->getPorts(), (std::vector<kalport*>{in}));
+    // Removing a net removes the top ports on it, here the port the new
+    // design's net now holds; that net must not keep it.
+    EXPECT_TRUE(old->removeNet(S("t")));
+    EXPECT_EQ(top->getPort(S("in"), false), nullptr);
+    EXPECT_EQ(d->getNet(S("t"))->getPorts().size(), 0u);
+    dropOld();
+}
+
+}  // namespace

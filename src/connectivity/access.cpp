@@ -46,12 +46,6 @@ void kalaccess::setInstanceName(kalcomponent* c, const std::string& name) {
         portList(k.port->getNet()).rekey(k.port, k.oldKey);
 }
 
-void kalaccess::portLeft(kalnet* net, const kalport* p) {
-    if (!net) return;
-    kalportlist list = portList(net);
-    if (list.present() && list.listsPointer(p)) list.markStray();
-}
-
 void kalaccess::forgetPort(kaldualport* d, const kalport* p) {
     auto& list = d->ports;
     list.erase(std::remove(list.begin(), list.end(), p), list.end());

@@ -32,8 +32,11 @@ struct kalaccess {
     static void setInstanceName(kalcomponent* c, const std::string& name);
 
     // The port stopped pointing to `net`; if the net still lists it, the net
-    // can no longer trust its index.
-    static void portLeft(kalnet* net, const kalport* p);
+    // can no longer trust its index, and the port notes the net so that it
+    // can take itself off that list when it dies.
+    static void portLeft(kalnet* net, kalport* p);
+    // The net took the port off its list (or is dying): the port forgets it.
+    static void netUnlisted(kalport* p, const kalnet* net);
 
     static void setComponent(kalportbus* b, kalcomponent* c) { b->setComponent(c); }
     static void setName(kalportbus* b, const std::string* n) { b->setName(n); }

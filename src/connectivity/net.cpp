@@ -118,6 +118,7 @@ void kalnet::disconnect(kalport* port, bool flag) {
     if (at < 0) return;
     kalport* listed = list.at(static_cast<std::size_t>(at));
     list.eraseAt(static_cast<std::size_t>(at));
+    kalaccess::netUnlisted(listed, this);
     if (listed != port) kalunlisted::note(listed, this);  // an equal twin went; it keeps its link
     port->disconnect(this);
     kalevents::emit("connect", "rem", [&](kalevents::record& r) {
@@ -177,8 +178,11 @@ kalnet::~kalnet() {
     kalunlisted::netGone(this);  // ports it took off its list may still point to it
     kalportlist list(ports);
     if (list.present()) {
-        while (!list.empty())
-            list.popBack()->disconnect(this);
+        while (!list.empty()) {
+            kalport* p = list.popBack();
+            kalaccess::netUnlisted(p, this);
+            p->disconnect(this);
+        }
         list.release();
     }
     if (bus) {

@@ -1,5 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "connectivity/access.h"
+
+#include <algorithm>
+#include <vector>
+
 #include "connectivity/bits.h"
 #include "connectivity/duallists.h"
 #include "connectivity/propagate.h"
@@ -47,12 +51,46 @@ struct kalport::extras {
     kalport* exportedTo = nullptr;
     kalport* exportedFrom = nullptr;
     kaldualport* dualPort = nullptr;
+    // Nets that still list this port although its link moved on (to an equal
+    // net of a replaced design, say). Rare, hence a pointer.
+    std::vector<kalnet*>* listedBy = nullptr;
 };
 
 kalport::extras& kalport::more() {
     if (!extra) extra = new extras();
     return *extra;
 }
+
+// ---- nets that list a port which left them ----
+
+void kalaccess::portLeft(kalnet* net, kalport* p) {
+    if (!net) return;
+    kalportlist list = portList(net);
+    if (!list.present() || !list.listsPointer(p)) return;
+    list.markStray();
+    auto*& nets = p->more().listedBy;
+    if (!nets) nets = new std::vector<kalnet*>();
+    if (std::find(nets->begin(), nets->end(), net) == nets->end()) nets->push_back(net);
+}
+
+void kalaccess::netUnlisted(kalport* p, const kalnet* net) {
+    if (!p->extra || !p->extra->listedBy) return;
+    auto& nets = *p->extra->listedBy;
+    nets.erase(std::remove(nets.begin(), nets.end(), net), nets.end());
+}
+
+namespace {
+
+// The dying port takes itself off a net that still lists it: quietly, as the
+// net never had a record of it that a "connect"/"rem" could undo.
+void unlistFrom(kalnet* net, const kalport* port) {
+    kalportlist list = kalaccess::portList(net);
+    if (!list.present()) return;
+    const std::ptrdiff_t at = list.findPointer(port);
+    if (at >= 0) list.eraseAt(static_cast<std::size_t>(at));
+}
+
+}  // namespace
 
 // Takes one reference to each shared name. Equal names are the same shared
 // string, so a second name equal to the name is not stored apart.
@@ -176,7 +214,16 @@ bool kalport::operator!=(const kalport& other) const {
 }
 
 kalport::~kalport() {
+    kalnet* const last = net;
     if (net) net->disconnect(this, true);
+    // An equal twin listed first went in its place: this one is still listed.
+    if (last) unlistFrom(last, this);
+    if (extra && extra->listedBy) {
+        for (kalnet* n : *extra->listedBy)
+            unlistFrom(n, this);
+        delete extra->listedBy;
+        extra->listedBy = nullptr;
+    }
     if (bus) bus->disconnect(this);
     // A bit that a later bus took over (addPortbus links an existing port) is
     // still in a slot of the bus it came from: no slot may outlive the port.

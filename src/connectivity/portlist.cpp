@@ -130,12 +130,19 @@ std::ptrdiff_t kalportlist::firstEqual(const kalport* port) const {
 }
 
 bool kalportlist::listsPointer(const kalport* port) const {
+    return findPointer(port) >= 0;
+}
+
+std::ptrdiff_t kalportlist::findPointer(const kalport* port) const {
     kalport* const* s = slots();
-    if (!indexed()) return std::find(s, s + used(), port) != s + used();
+    if (!indexed()) {
+        kalport* const* at = std::find(s, s + used(), port);
+        return at == s + used() ? -1 : at - s;
+    }
     auto range = big()->index.equal_range(key(port));
     for (auto it = range.first; it != range.second; ++it)
-        if (s[it->second] == port) return true;
-    return false;
+        if (s[it->second] == port) return it->second;
+    return -1;
 }
 
 void kalportlist::append(kalport* port) {

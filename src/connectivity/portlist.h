@@ -57,6 +57,8 @@ public:
     bool containsEqual(const kalport* port) const;
     std::ptrdiff_t firstEqual(const kalport* port) const;
     bool listsPointer(const kalport* port) const;
+    // Position of this very port, or -1.
+    std::ptrdiff_t findPointer(const kalport* port) const;
     kalport* at(std::size_t position) const { return slots()[position]; }
 
     void append(kalport* port);
