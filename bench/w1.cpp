@@ -10,24 +10,15 @@
 // records are built up to the service call only; --live keeps it answering
 // (records are created, filled and sent, then released).
 #include <chrono>
-#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <string>
 
-#include "kaldata.h"
 #include "kalrecorder.h"
+#include "w1model.h"
 
 namespace {
-
-struct lcg {
-    std::uint64_t state = 1;
-    std::uint32_t next() {
-        state = state * 6364136223846793005ull + 1442695040888963407ull;
-        return static_cast<std::uint32_t>(state >> 32);
-    }
-};
 
 using clock_type = std::chrono::steady_clock;
 
@@ -40,24 +31,7 @@ struct phase {
     }
 };
 
-struct counts {
-    std::size_t instances = 0, nets = 0, netbuses = 0, portRefs = 0, clkPorts = 0;
-};
-
-counts measure(kaldesign* d) {
-    counts c;
-    c.instances = d->data->getInstanceMap()->size();
-    c.nets = d->data->getNetMap()->size();
-    c.netbuses = d->data->getNetbusMap()->size();
-    for (auto& n : *d->data->getNetMap())
-        c.portRefs += n.second->getPorts().size();
-    std::string clk("clk");
-    kalnet* net = d->getNet(&clk);
-    c.clkPorts = net ? net->getPorts().size() : 0;
-    return c;
-}
-
-bool check(const char* when, const counts& got, const counts& want) {
+bool check(const char* when, const w1::counts& got, const w1::counts& want) {
     bool ok = got.instances == want.instances && got.nets == want.nets && got.netbuses == want.netbuses &&
               got.portRefs == want.portRefs && got.clkPorts == want.clkPorts;
     std::fprintf(stderr, "%s: instances %zu nets %zu netbuses %zu port refs %zu clk ports %zu%s\n", when,
@@ -68,25 +42,13 @@ bool check(const char* when, const counts& got, const counts& want) {
     return ok;
 }
 
-bool expectedAfterEdit(std::size_t n, counts& c) {
-    switch (n) {
-        case 1000:
-            c = {900, 35725, 900, 42278, 901};
-            return true;
-        case 10000:
-            c = {9000, 357262, 9000, 422904, 9001};
-            return true;
-        case 100000:
-            c = {90000, 3572362, 90000, 4229694, 90001};
-            return true;
-        default:
-            return false;
-    }
+void fail(const std::string& failure) {
+    std::fprintf(stderr, "W1 failed: %s\n", failure.c_str());
+    std::exit(1);
 }
 
 void fail(const char* what, const std::string& detail) {
-    std::fprintf(stderr, "W1 failed: %s %s\n", what, detail.c_str());
-    std::exit(1);
+    fail(std::string(what) + " " + detail);
 }
 
 }  // namespace
@@ -102,112 +64,41 @@ int main(int argc, char** argv) {
     kalrecorder::setNullObjects(!live);
     kalrecorder::setKeepRecords(false);
 
-    std::string acme("acme"), soc("soc"), top_("top"), v10("1.0"), rtl("top_rtl"), ip("ip"), empty;
-    auto* top = new kalcomponent(&acme, &soc, &top_, &v10);
-    top->createDesign(&acme, &soc, &rtl, &v10);
-    kaldesign* d = top->getDesign(&rtl);
-    std::string clk("clk");
-    top->addPort(&clk, &clk, 1, nullptr);
+    w1::model m = w1::start(n);
+    std::string failure;
     {
         phase p{"create"};
-        const std::string types[4] = {"blk0", "blk1", "blk2", "blk3"};
-        for (std::size_t i = 0; i < n; ++i) {
-            auto* c = new kalcomponent(&acme, &ip, &types[i % 4], &v10);
-            for (int j = 0; j < 8; ++j) {
-                std::string name = "i" + std::to_string(j);
-                c->addPort(&name, &name, 1, nullptr);
-            }
-            for (int j = 0; j < 8; ++j) {
-                std::string name = "o" + std::to_string(j);
-                c->addPort(&name, &name, 2, nullptr);
-            }
-            std::string bus("d");
-            c->addPortbus(&bus, &bus, 31, 0, 2, nullptr);
-            std::string inst = "u" + std::to_string(i);
-            d->addInstance(&inst, c);
-        }
-        d->addNet(&clk, &clk, &empty, nullptr);
-        for (std::size_t i = 0; i < n; ++i) {
-            for (int j = 0; j < 8; ++j) {
-                std::string name = "n" + std::to_string(i) + "_" + std::to_string(j);
-                d->addNet(&name, &name, &empty, nullptr);
-            }
-            std::string bus = "b" + std::to_string(i);
-            d->addNetbus(&bus, &empty, &bus, 31, 0, nullptr);
-        }
+        w1::create(m);
     }
     {
         phase p{"drivers"};
-        for (std::size_t i = 0; i < n; ++i) {
-            std::string inst = "u" + std::to_string(i);
-            for (int j = 0; j < 8; ++j) {
-                std::string net = "n" + std::to_string(i) + "_" + std::to_string(j),
-                            port = "o" + std::to_string(j);
-                if (!d->connect(&net, &port, &inst)) fail("connect", net);
-            }
-            for (int k = 31; k >= 0; --k) {
-                std::string net = "b" + std::to_string(i) + "[" + std::to_string(k) + "]";
-                std::string port = "d[" + std::to_string(k) + "]";
-                if (!d->connect(&net, &port, &inst)) fail("connect", net);
-            }
-        }
+        if (!w1::drivers(m, failure)) fail(failure);
     }
     {
         phase p{"clk"};
-        if (!d->connect(&clk, &clk, &empty)) fail("connect", "clk top port");
-        std::string i0("i0");
-        for (std::size_t i = 0; i < n; ++i) {
-            std::string inst = "u" + std::to_string(i);
-            if (!d->connect(&clk, &i0, &inst)) fail("connect clk", inst);
-        }
+        if (!w1::clock(m, failure)) fail(failure);
     }
     {
         phase p{"random"};
-        lcg rng;
-        for (std::size_t i = 0; i < n; ++i) {
-            std::string inst = "u" + std::to_string(i);
-            for (int j = 1; j <= 7; ++j) {
-                std::size_t s = rng.next() % (n - 1);
-                if (s >= i) ++s;
-                std::uint32_t b = rng.next() % 8;
-                std::string net = "n" + std::to_string(s) + "_" + std::to_string(b),
-                            port = "i" + std::to_string(j);
-                if (!d->connect(&net, &port, &inst)) fail("connect", net);
-            }
-        }
+        if (!w1::random(m, failure)) fail(failure);
     }
-    bool ok = check("after build", measure(d), counts{n, 40 * n + 1, n, 48 * n + 1, n + 1});
+    bool ok = check("after build", w1::measure(m), w1::expectedAfterBuild(n));
     {
         phase p{"rename"};
-        for (std::size_t i = 0; i < n; i += 10) {
-            std::string from = "n" + std::to_string(i) + "_0", to = "r" + std::to_string(i) + "_0";
-            if (!d->changeNetName(&from, &to)) fail("rename", from);
-        }
+        if (!w1::rename(m, failure)) fail(failure);
     }
     {
         phase p{"remove"};
-        for (std::size_t i = 5; i < n; i += 10) {
-            std::string inst = "u" + std::to_string(i);
-            kalcomponent* c = d->getInstance(&inst);
-            delete c->data->generators;  // a component never frees its generator registry
-            c->data->generators = nullptr;
-            if (!d->removeInstance(&inst)) fail("removeInstance", inst);
-        }
+        if (!w1::remove(m, failure)) fail(failure);
     }
-    counts want;
-    if (expectedAfterEdit(n, want))
-        ok = check("after edit", measure(d), want) && ok;
+    w1::counts want;
+    if (w1::expectedAfterEdit(n, want))
+        ok = check("after edit", w1::measure(m), want) && ok;
     else
-        check("after edit", measure(d), measure(d));
+        check("after edit", w1::measure(m), w1::measure(m));
     {
         phase p{"teardown"};
-        std::vector<kalgenerators*> registries;
-        for (auto& inst : *d->data->getInstanceMap())
-            registries.push_back(inst.second->data->generators);
-        registries.push_back(top->data->generators);
-        delete top;
-        for (auto* r : registries)
-            delete r;
+        w1::teardown(m);
     }
     std::fprintf(stderr, "W1 N=%zu %s: %s\n", n, live ? "live events" : "null events",
                  ok ? "counts ok" : "COUNTS DIFFER");
