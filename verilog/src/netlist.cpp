@@ -858,13 +858,10 @@ private:
             insts += of.name;
             insts += ' ';
             insts += *name;
-            if (ports.empty()) {
-                insts += " ();\n";
-                continue;
-            }
-            insts += " (";
+            insts += ports.empty() ? " ();" : " (";
             renamedComment(insts, name, entry.first, "instance");
             insts += '\n';
+            if (ports.empty()) continue;
             std::size_t at = 0;  // into bitPorts and bitNets
             for (std::size_t i = 0; i < ports.size(); ++i) {
                 const portref& p = ports[i];
