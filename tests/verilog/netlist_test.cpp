@@ -203,6 +203,20 @@ TEST_F(netlist, a_net_in_two_net_buses_stays_one_net) {
     release(top);
 }
 
+TEST_F(netlist, a_net_named_like_a_bit_outside_its_bus_is_a_net_of_its_own) {
+    kalcomponent* top = root("top");
+    design(top)->addInstance(N("u"), leafBlock(N, "blk"));
+    top->addNetbus(N("b"), N(""), N("b"), 1, 0, nullptr);
+    net(top, "b[7]");  // among the bus's bit names in the net map
+    wire(top, "b[7]", "a", "u");
+    wire(top, "b[0]", "y", "u");
+    const std::string v = text(top);
+    EXPECT_THAT(v, HasSubstr("    wire [1:0] b;\n    wire \\b[7] ;\n"));
+    EXPECT_THAT(v, HasSubstr(".a(\\b[7] )"));
+    EXPECT_THAT(v, HasSubstr(".y(b[0])"));
+    release(top);
+}
+
 TEST_F(netlist, the_same_model_gives_the_same_bytes) {
     kalcomponent* a = models::hierarchy(N);
     kalcomponent* b = models::hierarchy(N);

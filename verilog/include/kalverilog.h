@@ -25,10 +25,11 @@
 //   ports of a bus (the ports its slots hold) are not module ports of their
 //   own.
 // - In each module, a vector wire for every net bus of the design and a wire
-//   for every other net. A net that is a bit of a net bus is that bit of the
-//   vector and nothing else, so each bit net stays one net. A net that a
-//   second net bus holds as well lives in the first bus (by name) and the
-//   other bus's bit is joined to it with an assign.
+//   for every other net. A net that a net bus holds at the bit its name gives
+//   ("b[3]", bit 3 of b) is that bit of the vector and nothing else, so each
+//   bit net stays one net. A slot holding a net that is declared otherwise (a
+//   bit of another bus, a net of another name) is joined to it by an assign:
+//   one net still.
 // - An instance per instance of the design (in name order), of the module of
 //   its component, with named connections in the module's port order. A port
 //   bus is connected as a whole: `.d(bus)` when its bits sit on the bits of

@@ -385,7 +385,7 @@ public:
           nets(*design->data->getNetMap()),
           busIndex(netbuses.size()),
           special(64),
-          scalars(nets.size() / 4),
+          scalars(16),
           out(out) {
         for (const std::string& name : m.freshPortNames)
             fresh.reserve(name);
@@ -601,22 +601,24 @@ private:
         }
     }
 
+    using netentry = std::pair<const std::string, kalnet*>;
+
     void declareNets() {
+        unsigned long long busBits = 0;
+        for (const businfo& b : businfos)
+            busBits += b.width;
+        scalars.reserve(nets.size() > busBits ? nets.size() - busBits : 16);
+        std::vector<const netentry*> loose;
+        if (!sortNets(true, loose)) sortNets(false, loose);
         auto inPorts = makeCursor(portNames.begin(), portNames.end(),
                                   [](const std::string* s) -> const std::string& { return *s; });
         auto inInstances = makeCursor(instances.begin(), instances.end(),
                                       [](const auto& e) -> const std::string& { return e.first; });
         auto inNetbuses = makeCursor(netbuses.begin(), netbuses.end(),
                                      [](const auto& e) -> const std::string& { return e.first; });
-        netref r;
-        for (auto& entry : nets) {
-            kalnet* net = entry.second;
-            const std::string& model = entry.first;
-            if (!net) continue;
-            if (namedBit(model, net, r)) {
-                ++lastBus->named;
-                continue;
-            }
+        for (const netentry* entry : loose) {
+            kalnet* net = entry->second;
+            const std::string& model = entry->first;
             const bool taken = inPorts.holds(model) || inInstances.holds(model) || inNetbuses.holds(model);
             if (!taken && isSimple(model)) {
                 scalars.insert(net);  // written as its own name
@@ -628,6 +630,72 @@ private:
             declare(wires.back().text, model, "net");
         }
         checkNetbuses();
+    }
+
+    // Tells the nets that are bits of their net bus by name (counted in
+    // businfo::named) from the others (loose). The net map is the largest
+    // thing a netlist reads; with skipRuns, a bus all of whose slots hold
+    // nets of their bit names is checked from its own slots, and its run of
+    // "bus[..." names in the map is stepped over. That is right when the run
+    // holds just those names, which the count of entries confirms (a net of a
+    // name like "bus[99]" beside them shows as a surplus); otherwise the
+    // caller walks again without skipping.
+    bool sortNets(bool skipRuns, std::vector<const netentry*>& loose) {
+        loose.clear();
+        for (businfo& b : businfos)
+            b.named = 0;
+        std::vector<char> tried(skipRuns ? businfos.size() : 0, 0);
+        std::size_t seen = 0;
+        netref r;
+        for (auto it = nets.begin(); it != nets.end();) {
+            const std::string& model = it->first;
+            kalnet* net = it->second;
+            if (net && namedBit(model, net, r)) {
+                businfo& b = *lastBus;
+                const std::size_t index = static_cast<std::size_t>(&b - businfos.data());
+                if (skipRuns && !tried[index]) {
+                    tried[index] = 1;
+                    if (allSlotsNamed(b)) {
+                        b.named = b.width;
+                        seen += b.width;
+                        std::string past(b.name);
+                        past += '\\';  // '[' + 1: the first name after every "bus[..."
+                        it = nets.lower_bound(past);
+                        continue;
+                    }
+                }
+                ++b.named;
+            } else if (net) {
+                loose.push_back(&*it);
+            }
+            ++seen;
+            ++it;
+        }
+        return seen == nets.size();
+    }
+
+    // Every slot of the bus holds a net of this design named "bus[bit]".
+    bool allSlotsNamed(const businfo& b) const {
+        const std::vector<kalnet*> bits = b.bus->getBits();
+        if (bits.size() != b.width) return false;
+        const wire& w = wires[b.wire];
+        for (std::size_t k = 0; k < bits.size(); ++k) {
+            kalnet* net = bits[k];
+            if (!net || net->getDesign() != design) return false;
+            const std::string* name = net->getName();
+            const unsigned long long bit = w.msb >= w.lsb ? w.msb - k : w.msb + k;
+            if (!name || !isBitName(*name, b.name, bit)) return false;
+        }
+        return true;
+    }
+
+    static bool isBitName(const std::string& name, std::string_view bus, unsigned long long bit) {
+        char digits[24];
+        const auto end = std::to_chars(digits, digits + sizeof digits, bit).ptr;
+        const auto n = static_cast<std::size_t>(end - digits);
+        return name.size() == bus.size() + n + 2 && name.compare(0, bus.size(), bus) == 0 &&
+               name[bus.size()] == '[' && name.compare(bus.size() + 1, n, digits, n) == 0 &&
+               name.back() == ']';
     }
 
     // Buses whose every bit is the net of its name are done. The others are
@@ -835,89 +903,136 @@ private:
         o += ']';
     }
 
-    void writeInstances() {
+    // An instance read and waiting to be written. Instances are written one
+    // behind the reading, so that the nets asked for while reading one arrive
+    // while the one before it is written.
+    struct pending {
+        const std::string* name = nullptr;  // instance map key
+        const modinfo* of = nullptr;
         std::vector<portref> ports;
+        std::vector<kalport*> bitPorts;  // every bit port in port order
+        std::vector<kalnet*> bitNets;    // and its net
+    };
+
+    void writeInstances() {
+        pending slots[2];
         std::vector<std::pair<kalport*, const std::string*>> bits;
-        std::vector<netref> refs;
-        std::vector<char> on;
-        std::size_t j = 0;
+        std::size_t j = 0, filled = 0;
         for (auto& entry : instances) {
             kalcomponent* inst = entry.second;
             if (!inst) continue;
-            const modinfo& of = h.modules[m.instanceModules[j++]];
-            portsOf(inst, h.root, ports, bits);
-            if (inst != of.def) {
-                std::string why = difference(ports, of.ports);
+            pending& next = slots[filled % 2];
+            next.name = &entry.first;
+            next.of = &h.modules[m.instanceModules[j++]];
+            portsOf(inst, h.root, next.ports, bits);
+            if (inst != next.of->def) {
+                std::string why = difference(next.ports, next.of->ports);
                 if (!why.empty())
-                    fail(describe(inst, h.root) + " has other ports than " + describe(of.def, h.root) +
+                    fail(describe(inst, h.root) + " has other ports than " + describe(next.of->def, h.root) +
                          ", which defines the module of that kind: " + why);
             }
-            gatherNets(ports);
-            const std::string* name = nameFor(entry.first, portHas(entry.first));
-            insts += "    ";
-            insts += of.name;
-            insts += ' ';
-            insts += *name;
-            insts += ports.empty() ? " ();" : " (";
-            renamedComment(insts, name, entry.first, "instance");
-            insts += '\n';
-            if (ports.empty()) continue;
-            std::size_t at = 0;  // into bitPorts and bitNets
-            for (std::size_t i = 0; i < ports.size(); ++i) {
-                const portref& p = ports[i];
-                insts += "        .";
-                insts += of.portNames[i];
-                insts += '(';
-                netref r;
-                if (!p.bus) {
-                    if (instanceRef(bitPorts[at], bitNets[at], r)) expr(insts, r);
-                    ++at;
-                } else {
-                    at = connectBus(p, at, refs, on);
-                }
-                insts += i + 1 < ports.size() ? "),\n" : ")\n";
-            }
-            insts += "    );\n";
+            gatherNets(next);
+            if (filled++) writeInstance(slots[filled % 2]);
         }
+        if (filled) writeInstance(slots[(filled + 1) % 2]);
     }
 
-    // Every bit port of an instance and its net, in port order. The nets lie
-    // anywhere in memory; asking for all of them before reading any lets their
-    // cache misses overlap.
-    std::vector<kalport*> bitPorts;
-    std::vector<kalnet*> bitNets;
+    void writeInstance(const pending& p) {
+        const std::string* name = nameFor(*p.name, portHas(*p.name));
+        insts += "    ";
+        insts += p.of->name;
+        insts += ' ';
+        insts += *name;
+        insts += p.ports.empty() ? " ();" : " (";
+        renamedComment(insts, name, *p.name, "instance");
+        insts += '\n';
+        if (p.ports.empty()) return;
+        std::size_t at = 0;  // into bitPorts and bitNets
+        for (std::size_t i = 0; i < p.ports.size(); ++i) {
+            const portref& port = p.ports[i];
+            insts += "        .";
+            insts += p.of->portNames[i];
+            insts += '(';
+            netref r;
+            if (!port.bus) {
+                if (instanceRef(p.bitPorts[at], p.bitNets[at], r)) expr(insts, r);
+                ++at;
+            } else {
+                at = connectBus(p, port, at);
+            }
+            insts += i + 1 < p.ports.size() ? "),\n" : ")\n";
+        }
+        insts += "    );\n";
+    }
 
-    void gatherNets(const std::vector<portref>& ports) {
+    // Every bit port and its net, asking for the nets (which lie anywhere in
+    // memory) before any is read.
+    void gatherNets(pending& into) {
+        std::vector<kalport*>& bitPorts = into.bitPorts;
+        std::vector<kalnet*>& bitNets = into.bitNets;
         bitPorts.clear();
         bitNets.clear();
-        for (const portref& p : ports) {
+        for (const portref& p : into.ports) {
             if (!p.bus) {
                 bitPorts.push_back(p.port);
-            } else {
-                // as many bits as the range has, whatever the slot vector holds
-                const std::vector<kalport*> bits = p.bus->getBits();
-                const unsigned long long width = (p.msb > p.lsb ? p.msb - p.lsb : p.lsb - p.msb) + 1ull;
-                for (unsigned long long k = 0; k < width; ++k)
-                    bitPorts.push_back(k < bits.size() ? bits[k] : nullptr);
+                bitNets.push_back(p.port->getNet());
+                prefetch(bitNets.back());
+                continue;
             }
-        }
-        for (kalport* p : bitPorts) {
-            kalnet* net = p ? p->getNet() : nullptr;
-            bitNets.push_back(net);
-#if defined(__GNUC__) || defined(__clang__)
-            if (net) {
-                __builtin_prefetch(net);
-                __builtin_prefetch(reinterpret_cast<const char*>(net) + 64);
+            // as many bits as the range has, whatever the slot vector holds
+            const std::vector<kalport*> bits = p.bus->getBits();
+            const unsigned long long width = (p.msb > p.lsb ? p.msb - p.lsb : p.lsb - p.msb) + 1ull;
+            for (unsigned long long k = 0; k < width; ++k) {
+                kalport* bit = k < bits.size() ? bits[k] : nullptr;
+                bitPorts.push_back(bit);
+                bitNets.push_back(bit ? bit->getNet() : nullptr);
             }
-#endif
+            prefetch(bitNets[bitNets.size() - width]);  // a whole bus is told by its first bit
         }
     }
 
-    // Writes the connection of a port bus whose bits start at `at` in bitPorts;
-    // answers where the next port's bits start.
-    std::size_t connectBus(const portref& p, std::size_t at, std::vector<netref>& refs,
-                           std::vector<char>& on) {
+    void prefetch(const kalnet* net) const {
+#if defined(__GNUC__) || defined(__clang__)
+        if (!net) return;
+        __builtin_prefetch(net);
+        __builtin_prefetch(reinterpret_cast<const char*>(net) + 64);
+        scalars.prefetch(net);
+#else
+        (void)net;
+#endif
+    }
+
+    // The bus's bits sit on the bits of one net bus, slot for slot, whose bits
+    // are all the nets of their names: the net bus as a whole, without reading
+    // each bit's net.
+    bool onWholeNetbus(const std::vector<kalnet*>& bitNets, std::size_t at, unsigned long long width,
+                       netref& r) {
+        kalnet* first = bitNets[at];
+        if (!first) return false;
+        kalnetbus* bus = first->getBus();
+        const std::uint64_t* i = bus ? busIndex.find(bus) : nullptr;
+        if (!i || businfos[*i].named != width || businfos[*i].width != width) return false;
+        const std::vector<kalnet*> slots = bus->getBits();
+        if (slots.size() != width || !std::equal(slots.begin(), slots.end(), bitNets.begin() + at))
+            return false;
+        r = refOf(codeOf(businfos[*i].wire, 0));
+        return true;
+    }
+
+    // Writes the connection of a port bus whose bits start at `at` in the
+    // instance's bit ports; answers where the next port's bits start.
+    std::vector<netref> refs;
+    std::vector<char> on;
+
+    std::size_t connectBus(const pending& pend, const portref& p, std::size_t at) {
+        const std::vector<kalport*>& bitPorts = pend.bitPorts;
+        const std::vector<kalnet*>& bitNets = pend.bitNets;
         const unsigned long long width = (p.msb > p.lsb ? p.msb - p.lsb : p.lsb - p.msb) + 1ull;
+        netref whole;
+        if (onWholeNetbus(bitNets, at, width, whole)) {
+            insts += *whole.text;
+            return at + width;
+        }
         refs.assign(width, netref());
         on.assign(width, 0);
         bool any = false;

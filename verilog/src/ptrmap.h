@@ -14,7 +14,7 @@ namespace detail {
 
 inline std::size_t tableCapacity(std::size_t n) {
     std::size_t c = 16;
-    while (c < n + n / 2)
+    while (3 * c < 4 * n)  // at most three quarters full
         c *= 2;
     return c;
 }
@@ -74,6 +74,19 @@ private:
 class ptrset {
 public:
     explicit ptrset(std::size_t expected) { rebuild(tableCapacity(expected)); }
+
+    void reserve(std::size_t expected) {
+        if (tableCapacity(expected) > cells.size()) rebuild(tableCapacity(expected));
+    }
+
+    // Asks for the key's first cell ahead of a lookup.
+    void prefetch(const void* key) const {
+#if defined(__GNUC__) || defined(__clang__)
+        __builtin_prefetch(&cells[tableSlot(key, mask)]);
+#else
+        (void)key;
+#endif
+    }
 
     bool contains(const void* key) const {
         for (std::size_t i = tableSlot(key, mask);; i = (i + 1) & mask) {
