@@ -12,6 +12,7 @@
 #include "kalipxact.h"
 #include "kalrecorder.h"
 #include "kalsupport.h"
+#include "kalverilog.h"
 
 namespace {
 
@@ -21,7 +22,7 @@ const char* const usageText =
     "Commands (a VLNV is written vendor:library:name:version):\n"
     "  stat DIR VLNV                     load, print counts per hierarchy level\n"
     "  check DIR VLNV                    load, print the reader's warnings, run the model checker\n"
-    "  convert DIR VLNV --to FORMAT OUT  load and write the design in FORMAT into OUT\n"
+    "  convert DIR VLNV --to FORMAT OUT  load and write the design as ipxact or verilog into OUT\n"
     "  records DIR VLNV                  print the records the load sends, one per line\n"
     "\n"
     "DIR is a folder of IP-XACT 2014 documents (searched recursively, found by VLNV).\n"
@@ -152,17 +153,22 @@ int runCheck(const std::vector<std::string>& args) {
 int runConvert(const std::vector<std::string>& args) {
     std::vector<std::string> plain;
     std::string format;
+    kalverilog::Options verilog;
     for (std::size_t i = 0; i < args.size(); ++i) {
         if (args[i] == "--to") {
             if (i + 1 >= args.size()) return usage("--to needs a FORMAT");
             format = args[++i];
+        } else if (args[i] == "--leaf-stubs") {
+            verilog.leafStubs = true;
         } else {
             plain.push_back(args[i]);
         }
     }
-    if (plain.size() != 3) return usage("convert takes DIR, VLNV, --to FORMAT and OUTDIR");
+    if (plain.size() != 3) return usage("convert takes DIR, VLNV, --to FORMAT and OUT");
     if (format.empty()) return usage("convert needs --to FORMAT");
-    if (format != "ipxact") return usage(("unknown format: " + format + " (known: ipxact)").c_str());
+    if (format != "ipxact" && format != "verilog")
+        return usage(("unknown format: " + format + " (known: ipxact, verilog)").c_str());
+    if (verilog.leafStubs && format != "verilog") return usage("--leaf-stubs is for --to verilog");
     if (!checkVlnv(plain[1])) return usage(("not a VLNV: " + plain[1]).c_str());
     kalrecorder::setNullObjects(true);
     kalipxact::loadResult r = loadOrReport(plain[0], plain[1]);
@@ -178,6 +184,14 @@ int runConvert(const std::vector<std::string>& args) {
         } else {
             for (auto& f : w.files)
                 std::printf("%s\n", f.c_str());
+        }
+    } else {
+        kalverilog::Result v = kalverilog::writeNetlistFile(r.root, plain[2], verilog);
+        if (!v) {
+            std::fprintf(stderr, "kaldata: error: %s\n", v.error.c_str());
+            status = 1;
+        } else {
+            std::printf("%s\n", plain[2].c_str());
         }
     }
     kalsupport::release(r.root);
@@ -215,10 +229,15 @@ const command commands[] = {
      "checker finds. Exit status 1 when the load fails or the model has problems.\n",
      runCheck},
     {"convert",
-     "usage: kaldata convert DIR VLNV --to FORMAT OUTDIR\n\nLoads VLNV from the IP-XACT documents below DIR "
-     "and writes it into OUTDIR.\n"
-     "Formats: ipxact (one component document per VLNV and one design document per\n"
-     "design, laid out vendor/library/name/version/). Prints the files written.\n",
+     "usage: kaldata convert DIR VLNV --to FORMAT OUT [--leaf-stubs]\n\nLoads VLNV from the IP-XACT documents "
+     "below DIR and writes it into OUT.\n"
+     "Formats:\n"
+     "  ipxact   OUT is a folder: one component document per VLNV and one design\n"
+     "           document per design, laid out vendor/library/name/version/\n"
+     "  verilog  OUT is a file: a structural Verilog-2005 netlist, one module per\n"
+     "           component with a design; --leaf-stubs adds an empty (* blackbox *)\n"
+     "           module for every component without one\n"
+     "Prints the files written. Exit status 1 when the model cannot be written.\n",
      runConvert},
     {"records",
      "usage: kaldata records DIR VLNV\n\nLoads VLNV from the IP-XACT documents below DIR and prints every "
