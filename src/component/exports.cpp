@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 // Exports: making an instance's port (or port bus) a port of the enclosing
 // component, wired by a net (or net bus) of the design, and undoing it.
+#include <algorithm>
+#include <vector>
+
 #include "core/text.h"
 #include "connectivity/bits.h"
 #include "design/prune.h"
@@ -153,22 +156,35 @@ int unexportPortbus(kalportbus* bus) {
     const std::string netbusPath =
         kalpaths::designPath(netbus->getDesign(), kaltext::orEmpty(topBusName.get()));  // before its bits go
     const unsigned int width = kalbits::width(topBus->getMsb(), topBus->getLsb());
+    // Pruning a net removes the top ports on it, and with them whole port
+    // buses: this bus, or the top bus itself when the instance sits in its own
+    // component's design. Everything the record needs is taken first, and a
+    // bit is visited only while the top bus still holds it.
+    const std::string busName = kaltext::orEmpty(bus->getName());
+    kalcomponent* topOwner = topBus->getComponent();
+    const std::string topPath =
+        kalpaths::portPath(topOwner ? topOwner : enclosing, kaltext::orEmpty(topBusName.get()));
+    auto stillHeld = [&](kalport* bit) {
+        if (!topOwner) return true;  // no component can take a bus without one apart
+        kalportbus* now = topOwner->getPortbus(topBusName.get(), false);
+        if (now != topBus) return false;
+        const std::vector<kalport*> bits = now->getBits();
+        return std::find(bits.begin(), bits.end(), bit) != bits.end();
+    };
     bus->unexport();
     unsigned int removed = 0;
     for (kalport* bit : topBus->getBits()) {
-        kalnet* net = bit ? bit->getNet() : nullptr;
+        if (!bit || !stillHeld(bit)) continue;
+        kalnet* net = bit->getNet();
         if (!net) continue;
         net->disconnect(bit, false);
         if (dropIfDangling(net)) ++removed;
     }
-    kalcomponent* topOwner = topBus->getComponent();
-    const std::string topPath =
-        kalpaths::portPath(topOwner ? topOwner : enclosing, kaltext::orEmpty(topBusName.get()));
     if (topOwner) topOwner->deletePortbus(topBusName.get());
     markChanged(enclosing);
     kalevents::emit("export", "rem", [&](kalevents::record& r) {
         if (removed == width) r.set("netbus", netbusPath);
-        r.set("portbus", kaltext::orEmpty(bus->getName()));
+        r.set("portbus", busName);
         r.set("topportbus", topPath);
     });
     return 1;
