@@ -321,6 +321,20 @@ struct resolver {
                              c.attribute("vendor").value(), !c.attribute("vendor").empty()});
     }
 
+    // This library's extension of a file or file set: its attributes, and its
+    // three names where IP-XACT's elements cannot hold them.
+    static auto namedExtension(const char* tag, std::string& name, std::string& second, std::string& third,
+                               std::vector<attrP>& attrs) {
+        return [tag, &name, &second, &third, &attrs](pugi::xml_node x, const char* n) {
+            if (!std::strcmp(n, "attribute")) attribute(x, attrs);
+            if (!std::strcmp(n, tag)) {
+                name = x.attribute("name").value();
+                second = x.attribute("second").value();
+                third = x.attribute("third").value();
+            }
+        };
+    }
+
     // ---- components
     const componentP& component(
         const vlnv& id, const document& from, pugi::xml_node at,
@@ -563,24 +577,10 @@ struct resolver {
                 file.second = trimmed(ft.child_value());
                 if (file.second == "user" && ft.attribute("user")) file.second = ft.attribute("user").value();
                 file.third = d.text(fn, "description");
-                extensions(d, fn, [&](pugi::xml_node x, const char* n) {
-                    if (!std::strcmp(n, "attribute")) attribute(x, file.attrs);
-                    if (!std::strcmp(n, "file")) {
-                        file.name = x.attribute("name").value();
-                        file.second = x.attribute("second").value();
-                        file.third = x.attribute("third").value();
-                    }
-                });
+                extensions(d, fn, namedExtension("file", file.name, file.second, file.third, file.attrs));
                 f.files.push_back(std::move(file));
             });
-            extensions(d, fs, [&](pugi::xml_node x, const char* n) {
-                if (!std::strcmp(n, "attribute")) attribute(x, f.attrs);
-                if (!std::strcmp(n, "fileSet")) {
-                    f.name = x.attribute("name").value();
-                    f.second = x.attribute("second").value();
-                    f.third = x.attribute("third").value();
-                }
-            });
+            extensions(d, fs, namedExtension("fileSet", f.name, f.second, f.third, f.attrs));
             c.filesets.push_back(std::move(f));
         });
 
