@@ -441,3 +441,38 @@ TEST_F(movedOn, old_net_removed_first) {
 }
 
 }  // namespace
+
+namespace {
+
+// ---- twins: two listed ports that compare equal ----
+
+// removeAllInstances hands the instances back with their names and their
+// ports still on the nets; one added again under the other's name makes two
+// equal ports on one net. A net takes the first equal entry off its list, so
+// destroying the net while it lists both must still leave neither pointing
+// at it.
+TEST_F(lifetime, twins_on_a_net_that_dies) {
+    d->addNet(S("t"), S("t"), S(""), nullptr);
+    ASSERT_TRUE(d->connect(S("t"), S("a"), S("u1")));
+    ASSERT_TRUE(d->connect(S("t"), S("a"), S("u2")));
+    kalcomponent* u1 = d->getInstance(S("u1"));
+    kalcomponent* u2 = d->getInstance(S("u2"));
+    d->removeAllInstances();
+    std::string again("u2");
+    ASSERT_TRUE(d->addInstance(&again, u1));
+    kalport* a1 = u1->getPort(S("a"), false);
+    kalport* a2 = u2->getPort(S("a"), false);
+    ASSERT_TRUE(*a1 == *a2);
+    ASSERT_EQ(d->getNet(S("t"))->getPorts().size(), 2u);
+    d->removeAllInstances();  // both are ours now, and still listed
+    ASSERT_EQ(d->getNet(S("t"))->getPorts().size(), 2u);
+    ASSERT_EQ(top->deleteDesign(S("rtl")), 1);
+    delete d;
+    d = nullptr;
+    EXPECT_EQ(a1->getNet(), nullptr);
+    EXPECT_EQ(a2->getNet(), nullptr);
+    release(u1);
+    release(u2);
+}
+
+}  // namespace

@@ -175,7 +175,6 @@ bool kalnet::operator!=(const kalnet& other) const {
 }
 
 kalnet::~kalnet() {
-    kalunlisted::netGone(this);  // ports it took off its list may still point to it
     kalportlist list(ports);
     if (list.present()) {
         while (!list.empty()) {
@@ -185,6 +184,10 @@ kalnet::~kalnet() {
         }
         list.release();
     }
+    // Ports it took off its list may still point to it, also those that the
+    // loop above took off: disconnecting one port takes out the first equal
+    // entry, which may be its twin.
+    kalunlisted::netGone(this);
     if (bus) {
         kalnetbus* b = bus;
         b->disconnect(this);
