@@ -80,8 +80,8 @@ public:
 
     /// @return the design that added it, or null.
     KALDATA_API kaldesign* getDesign() const;
-    /// @return the name (for a bus bit, the bus name + "[" + bit + "]"), or null for a net made without
-    /// names.
+    /// @return the name (for a bus bit, the bus name + "[" + bit + "]"), or null for a
+    ///         net made without names.
     KALDATA_API const std::string* getName() const;
     /// @return the second name (the name itself when both are equal), or null for a net made without names.
     KALDATA_API const std::string* getSecondName() const;
