@@ -110,8 +110,8 @@ public:
     /// @return 1 when it was registered, else 0 (also for null).
     KALDATA_API int removeParameter(const std::string* name);
 
-    /// Makes a design with this identity, owned by the component and registered under
-    /// @p name. A design already under that name is taken out and handed back, not
+    /// Makes a design whose identity holds the four arguments, owned by the component
+    /// and registered under @p name. A design already under that name is taken out and handed back, not
     /// destroyed (see deleteDesign()). Sends no record.
     /// @return 1, or 0 when any argument is null.
     KALDATA_API int createDesign(const std::string* vendor, const std::string* library,
