@@ -49,11 +49,12 @@ KALSUPPORT_API void release(kalcomponent* root);
 /// Null does nothing.
 KALSUPPORT_API void releaseLeftovers(kalcomponent* component);
 
-// The model below a root component as deterministic text, one line per
-// component, design, instance, parameter, file set, generator, LPC value,
-// port, port bus, net (with its connected ports), net bus, dual port and
-// element catalogue entry, with exports and attributes: equal models give
-// equal text.
+/// The model below @p root as deterministic text, one indented line per
+/// component, design, instance, parameter, file set, file, generator, LPC value,
+/// port, port bus, net (with its connected ports, sorted), net bus, dual port,
+/// dual port bus and element catalogue entry, with exports and attributes, every
+/// map in name order: equal models give equal text. Reads only; sends no
+/// records. Null gives "".
 KALSUPPORT_API std::string dumpModel(kalcomponent* root);
 
 }  // namespace kalsupport
