@@ -174,11 +174,19 @@ struct kept {
                 return destroy(instances, k);
         }
     }
-    void destroyAll(bool backwards) {
-        while (!netbuses.empty() || !dualPorts.empty() || !dualBuses.empty() || !designs.empty() ||
-               !instances.empty())
-            for (unsigned kind = 0; kind < 5; ++kind)
+    // `between` runs before each destruction and gets what it returns back
+    // after it.
+    template <class Before, class After>
+    void destroyAll(bool backwards, Before before, After after) {
+        while (!empty())
+            for (unsigned kind = 0; kind < 5; ++kind) {
+                const std::size_t sizes =
+                    netbuses.size() + dualPorts.size() + dualBuses.size() + designs.size() + instances.size();
+                if (!sizes) break;
+                auto state = before();
                 destroyOne(backwards ? 4 - kind : kind, 0);
+                after(state);
+            }
     }
 };
 
@@ -258,18 +266,10 @@ public:
         // What was handed back goes before the tree or after it.
         const bool keptLast = setup & 4u;
         trace("end: kept objects destroyed %s the tree\n", keptLast ? "after" : "before");
-        if (!keptLast) {
-            // A dying kept dual port can take its bus out of a live design's map.
-            std::vector<scope> before, after;
-            walk(top, &before, nullptr);
-            const std::map<kaldualportbus*, kaldesign*> mapped = dualBuses(before);
-            held.destroyAll(setup & 8u);
-            walk(top, &after, nullptr);
-            adoptDroppedDualBuses(mapped, nullptr, after);
-            held.destroyAll(setup & 8u);
-        }
+        if (!keptLast) destroyKept(true, setup & 8u);
         release(top);
-        if (keptLast) held.destroyAll(setup & 8u);
+        top = nullptr;
+        if (keptLast) destroyKept(false, setup & 8u);
         // The kept components' leftovers, once they are gone too.
         for (auto& [c, debt] : ledger)
             if (!tree.count(c)) debt.free();
@@ -340,6 +340,24 @@ private:
         for (kaldesign* d : held.designs)
             for (auto& i : *d->data->getInstanceMap())
                 if (i.second) walk(i.second, nullptr, &live);
+    }
+    // The designs of kept objects, whose dual port buses a dying member can
+    // take out of a map as well.
+    std::vector<scope> keptScopes() {
+        std::vector<scope> out;
+        for (kalcomponent* c : held.instances)
+            walk(c, &out, nullptr);
+        for (kaldesign* d : held.designs) {
+            out.push_back({d->owner, d});
+            for (auto& i : *d->data->getInstanceMap())
+                if (i.second) walk(i.second, &out, nullptr);
+        }
+        return out;
+    }
+    std::vector<scope> withKept(std::vector<scope> scopes) {
+        std::vector<scope> kept = keptScopes();
+        scopes.insert(scopes.end(), kept.begin(), kept.end());
+        return scopes;
     }
     std::vector<kalcomponent*> components() {
         std::set<kalcomponent*> live = liveComponents();
@@ -554,9 +572,25 @@ private:
         for (auto& [bus, design] : before) {
             // A design that is gone destroyed its buses with it.
             if (bus == destroyed || mapped.count(bus) || !designs.count(design)) continue;
-            trace("    keeping dual port bus %s, out of its map\n", bus->getName().c_str());
+            trace("    keeping dual port bus %s %p, out of its map\n", bus->getName().c_str(),
+                  static_cast<void*>(bus));
             held.dualBuses.push_back(bus);
         }
+    }
+
+    // One at a time: a dying kept dual port can take its bus out of a map,
+    // live or kept, and that bus is then ours to destroy as well.
+    void destroyKept(bool treeAlive, bool backwards) {
+        auto scopes = [&] {
+            std::vector<scope> out;
+            if (treeAlive) walk(top, &out, nullptr);
+            return withKept(out);
+        };
+        held.destroyAll(
+            backwards, [&] { return dualBuses(scopes()); },
+            [&](const std::map<kaldualportbus*, kaldesign*>& before) {
+                adoptDroppedDualBuses(before, nullptr, scopes());
+            });
     }
 
     void check(const char* when) {
@@ -591,7 +625,7 @@ private:
         ++ops;
         current.clear();
         walk(top, &current, nullptr);
-        const std::map<kaldualportbus*, kaldesign*> before = dualBuses(current);
+        const std::map<kaldualportbus*, kaldesign*> before = dualBuses(withKept(current));
         kaldualportbus* destroyed = nullptr;
         perform(o, destroyed);
         std::vector<scope> after;
@@ -599,7 +633,7 @@ private:
         walk(top, &after, &live);
         walkKept(live);
         adoptUnmappedBits(after);
-        adoptDroppedDualBuses(before, destroyed, after);
+        adoptDroppedDualBuses(before, destroyed, withKept(after));
         settleLedger(live);
     }
 
@@ -1170,8 +1204,8 @@ private:
                         if (kaldualport* dp = dualPort()) bus->connect(index, dp);
                     }
                 }
-                trace("%zu %s: insertDualPortBus %s (own name %s [%u:%u], %s)\n", ops, who, key.c_str(),
-                      own.c_str(), msb, lsb, bus ? "made" : "refused");
+                trace("%zu %s: insertDualPortBus %s (own name %s [%u:%u], %s %p)\n", ops, who, key.c_str(),
+                      own.c_str(), msb, lsb, bus ? "made" : "refused", static_cast<void*>(bus));
                 if (bus && !d->insertDualPortBus(key, bus)) delete bus;  // refused: still ours
                 return;
             }
