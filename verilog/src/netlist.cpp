@@ -16,6 +16,7 @@
 #include "kaldata.h"
 #include "names.h"
 #include "ptrmap.h"
+#include "textbuf.h"
 
 namespace kalverilog {
 namespace detail {
@@ -43,6 +44,10 @@ void appendNumber(std::string& out, unsigned long long n) {
     char buf[24];
     auto end = std::to_chars(buf, buf + sizeof buf, n).ptr;
     out.append(buf, end);
+}
+
+void appendNumber(textbuf& out, unsigned long long n) {
+    out.number(n);
 }
 
 std::string number(unsigned long long n) {
@@ -326,7 +331,7 @@ private:
     }
 };
 
-void range(std::string& o, unsigned msb, unsigned lsb) {
+void range(textbuf& o, unsigned msb, unsigned lsb) {
     o += '[';
     appendNumber(o, msb);
     o += ':';
@@ -334,7 +339,7 @@ void range(std::string& o, unsigned msb, unsigned lsb) {
     o += "] ";
 }
 
-void portList(std::string& out, const modinfo& m) {
+void portList(textbuf& out, const modinfo& m) {
     if (m.ports.empty()) {
         out += ";\n";
         return;
@@ -376,7 +381,7 @@ cursor<Iterator, Key> makeCursor(Iterator begin, Iterator end, Key key) {
 // Writes one module with a design.
 class modulewriter {
 public:
-    modulewriter(const hierarchy& h, std::uint32_t self, std::string& out)
+    modulewriter(const hierarchy& h, std::uint32_t self, textbuf& out)
         : h(h),
           m(h.modules[self]),
           design(m.design),
@@ -386,7 +391,8 @@ public:
           busIndex(netbuses.size()),
           special(64),
           scalars(16),
-          out(out) {
+          out(out),
+          decls(&out) {
         for (const std::string& name : m.freshPortNames)
             fresh.reserve(name);
     }
@@ -398,18 +404,25 @@ public:
         declarePins();
         joinTopPorts();
         joinSharedBits();
-        writeInstances();
-        if (ncCount)
-            decls += "    wire [" + number(ncCount - 1) + ":0] " + *ncName + ";  // bits on no net\n";
-        out += decls;
+        // Declarations go straight into the text up to here. Instances follow
+        // the assignments; the few wires that only instances turn up are
+        // declared apart and put in place at the end.
+        const std::size_t declEnd = out.size();
         if (!assigns.empty()) {
             out += '\n';
             out += assigns;
         }
-        if (!insts.empty()) {
-            out += '\n';
-            out += insts;
+        textbuf late;
+        decls = &late;
+        writeInstances();
+        if (ncCount) {
+            late += "    wire [";
+            late.number(ncCount - 1);
+            late += ":0] ";
+            late += *ncName;
+            late += ";  // bits on no net\n";
         }
+        if (!late.empty()) out.insert(declEnd, late);
         out += "endmodule\n";
     }
 
@@ -464,8 +477,10 @@ private:
     std::unordered_map<const kaldualport*, std::uint32_t> pins;
     std::vector<sharedbit> shared;
     freshnames fresh;
-    std::string& out;
-    std::string decls, assigns, insts;
+    textbuf& out;
+    textbuf* decls;  // where declarations go: the text, or apart once instances are written
+    textbuf assigns;
+    bool instanceWritten = false;
     std::size_t ncCount = 0;
     const std::string* ncName = nullptr;
     std::vector<const std::string*> portNames;  // model names of the module ports, sorted
@@ -496,8 +511,7 @@ private:
         return freshName(name);
     }
 
-    void renamedComment(std::string& o, const std::string* written, const std::string& model,
-                        const char* what) {
+    void renamedComment(textbuf& o, const std::string* written, const std::string& model, const char* what) {
         if (written == &model || *written == model || *written == identText(model)) return;
         o += "  // ";
         o += what;
@@ -592,12 +606,13 @@ private:
             businfos.push_back({entry.first, nb, static_cast<std::uint32_t>(wires.size()),
                                 (msb > lsb ? msb - lsb : lsb - msb) + 1ull, 0});
             wires.push_back({name, msb, lsb, true});
-            decls += "    wire ";
-            range(decls, msb, lsb);
-            decls += *name;
-            decls += ';';
-            renamedComment(decls, name, entry.first, "net bus");
-            decls += '\n';
+            textbuf& d = *decls;
+            d += "    wire ";
+            range(d, msb, lsb);
+            d += *name;
+            d += ';';
+            renamedComment(d, name, entry.first, "net bus");
+            d += '\n';
         }
     }
 
@@ -739,11 +754,12 @@ private:
     }
 
     void declare(const std::string* name, const std::string& model, const char* what) {
-        decls += "    wire ";
-        decls += *name;
-        decls += ';';
-        renamedComment(decls, name, model, what);
-        decls += '\n';
+        textbuf& d = *decls;
+        d += "    wire ";
+        d += *name;
+        d += ';';
+        renamedComment(d, name, model, what);
+        d += '\n';
     }
 
     // A net of this design that neither the net map nor a net bus holds.
@@ -814,7 +830,7 @@ private:
         return instanceRef(from, r);
     }
 
-    void expr(std::string& o, const netref& r) const {
+    void expr(textbuf& o, const netref& r) const {
         o += *r.text;
         if (!r.slot) return;
         const wire& w = wires[r.wire];
@@ -891,7 +907,7 @@ private:
 
     // ---- instances ----
 
-    void unconnectedBit(std::string& o, int direction) {
+    void unconnectedBit(textbuf& o, int direction) {
         if (direction == 1) {
             o += "1'bz";
             return;
@@ -939,30 +955,32 @@ private:
 
     void writeInstance(const pending& p) {
         const std::string* name = nameFor(*p.name, portHas(*p.name));
-        insts += "    ";
-        insts += p.of->name;
-        insts += ' ';
-        insts += *name;
-        insts += p.ports.empty() ? " ();" : " (";
-        renamedComment(insts, name, *p.name, "instance");
-        insts += '\n';
+        if (!instanceWritten) out += '\n';  // after the declarations and assignments
+        instanceWritten = true;
+        out += "    ";
+        out += p.of->name;
+        out += ' ';
+        out += *name;
+        out += p.ports.empty() ? " ();" : " (";
+        renamedComment(out, name, *p.name, "instance");
+        out += '\n';
         if (p.ports.empty()) return;
         std::size_t at = 0;  // into bitPorts and bitNets
         for (std::size_t i = 0; i < p.ports.size(); ++i) {
             const portref& port = p.ports[i];
-            insts += "        .";
-            insts += p.of->portNames[i];
-            insts += '(';
+            out += "        .";
+            out += p.of->portNames[i];
+            out += '(';
             netref r;
             if (!port.bus) {
-                if (instanceRef(p.bitPorts[at], p.bitNets[at], r)) expr(insts, r);
+                if (instanceRef(p.bitPorts[at], p.bitNets[at], r)) expr(out, r);
                 ++at;
             } else {
                 at = connectBus(p, port, at);
             }
-            insts += i + 1 < p.ports.size() ? "),\n" : ")\n";
+            out += i + 1 < p.ports.size() ? "),\n" : ")\n";
         }
-        insts += "    );\n";
+        out += "    );\n";
     }
 
     // Every bit port and its net, asking for the nets (which lie anywhere in
@@ -1030,7 +1048,7 @@ private:
         const unsigned long long width = (p.msb > p.lsb ? p.msb - p.lsb : p.lsb - p.msb) + 1ull;
         netref whole;
         if (onWholeNetbus(bitNets, at, width, whole)) {
-            insts += *whole.text;
+            out += *whole.text;
             return at + width;
         }
         refs.assign(width, netref());
@@ -1040,18 +1058,18 @@ private:
             any |= (on[k] = bitPorts[at + k] && instanceRef(bitPorts[at + k], bitNets[at + k], refs[k])) != 0;
         if (!any) return at + width;
         if (wholeBus(refs, on)) {
-            insts += *wires[refs[0].wire].text;
+            out += *wires[refs[0].wire].text;
             return at + width;
         }
-        insts += '{';
+        out += '{';
         for (std::size_t k = 0; k < width; ++k) {
-            if (k) insts += ", ";
+            if (k) out += ", ";
             if (on[k])
-                expr(insts, refs[k]);
+                expr(out, refs[k]);
             else
-                unconnectedBit(insts, p.direction);
+                unconnectedBit(out, p.direction);
         }
-        insts += '}';
+        out += '}';
         return at + width;
     }
 };
@@ -1084,7 +1102,7 @@ void namePorts(modinfo& m) {
 
 }  // namespace
 
-Result buildNetlist(kalcomponent* root, const Options& options, std::string& out) noexcept {
+Result buildNetlist(kalcomponent* root, const Options& options, textbuf& out) noexcept {
     Result result;
     out.clear();
     try {
@@ -1118,8 +1136,7 @@ Result buildNetlist(kalcomponent* root, const Options& options, std::string& out
         result.error = std::string("the netlist could not be built: ") + e.what();
     }
     if (!result.ok) {
-        out.clear();
-        out.shrink_to_fit();
+        out.release();
         result.modules.clear();
     }
     return result;
