@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <charconv>
 #include <cstdint>
+#include <cstring>
 #include <deque>
 #include <exception>
 #include <set>
@@ -69,17 +70,17 @@ std::string kindOf(kalcomponent* c) {
            text(id->getVersion());
 }
 
-// The same, unambiguous, for telling kinds apart.
-std::string kindKey(kalcomponent* c) {
+// The same, unambiguous, for telling kinds apart, into key (whose storage
+// is kept from one component to the next).
+void kindKey(kalcomponent* c, std::string& key) {
+    key.clear();
     kalattributes* id = c->identity;
-    std::string key;
-    if (!id) return key;
+    if (!id) return;
     for (const std::string* part : {id->getVendor(), id->getLibrary(), id->getName(), id->getVersion()}) {
         key += part ? '+' : '-';  // an absent attribute is not an empty one
         if (part) key += *part;
         key += '\0';
     }
-    return key;
 }
 
 // Where a component sits below the root: the root's name, then one instance
@@ -208,6 +209,7 @@ struct modinfo {
     kaldesign* design = nullptr;                 // null for a leaf
     std::vector<portref> ports;                  // of def
     std::vector<std::string> portNames;          // as written
+    std::vector<std::string> portOpen;           // "        .name(" of a connection, per port
     std::vector<std::string> freshPortNames;     // those the writer made up, unescaped
     std::vector<std::uint32_t> instanceModules;  // per instance of design, in name order
     std::string name;                            // as written
@@ -236,7 +238,9 @@ private:
     void discover() {
         std::unordered_map<std::string, std::uint32_t> kinds;
         std::deque<std::uint32_t> pending;
-        kinds.emplace(kindKey(root), 0);
+        std::string key;
+        kindKey(root, key);
+        kinds.emplace(key, 0);
         modules.emplace_back();
         modules[0].def = root;
         modules[0].design = firstDesign(root);
@@ -248,9 +252,12 @@ private:
             for (auto& entry : *d->data->getInstanceMap()) {
                 kalcomponent* inst = entry.second;
                 if (!inst) continue;
-                auto found = kinds.emplace(kindKey(inst), static_cast<std::uint32_t>(modules.size()));
-                const std::uint32_t k = found.first->second;
-                if (found.second) {
+                kindKey(inst, key);
+                auto known = kinds.find(key);
+                const bool added = known == kinds.end();
+                if (added) known = kinds.emplace(key, static_cast<std::uint32_t>(modules.size())).first;
+                const std::uint32_t k = known->second;
+                if (added) {
                     modules.emplace_back();
                     modules[k].def = inst;
                     modules[k].design = firstDesign(inst);
@@ -551,9 +558,11 @@ private:
     // The net is the bit of the net bus its name ("bus[i]", i written as the
     // library writes bit numbers) names, and that bus holds it there. The name
     // is the net map key: the library keeps the two equal.
+    static bool mayBeBitName(const std::string& name) { return name.size() >= 4 && name.back() == ']'; }
+
     bool namedBit(const std::string& name, const kalnet* net, netref& r) {
+        if (!mayBeBitName(name)) return false;
         const std::size_t size = name.size();
-        if (size < 4 || name[size - 1] != ']') return false;
         const std::size_t open = name.rfind('[', size - 2);
         if (open == std::string::npos || open == 0 || open + 2 == size) return false;
         if (name[open + 1] == '0' && open + 3 != size) return false;  // "b[03]" is no bit name
@@ -690,27 +699,51 @@ private:
     }
 
     // Every slot of the bus holds a net of this design named "bus[bit]".
-    bool allSlotsNamed(const businfo& b) const {
+    bool allSlotsNamed(const businfo& b) {
         const std::vector<kalnet*> bits = b.bus->getBits();
         if (bits.size() != b.width) return false;
         const wire& w = wires[b.wire];
+        // "bus[", then each bit's number and "]"
+        const std::size_t stem = b.name.size() + 1;
+        if (bitName.size() < stem + 24) bitName.resize(stem + 24);
+        char* expected = &bitName[0];
+        std::memcpy(expected, b.name.data(), b.name.size());
+        expected[stem - 1] = '[';
         for (std::size_t k = 0; k < bits.size(); ++k) {
             kalnet* net = bits[k];
             if (!net || net->getDesign() != design) return false;
             const std::string* name = net->getName();
             const unsigned long long bit = w.msb >= w.lsb ? w.msb - k : w.msb + k;
-            if (!name || !isBitName(*name, b.name, bit)) return false;
+            char* end = std::to_chars(expected + stem, expected + stem + 22, bit).ptr;
+            *end++ = ']';
+            if (!name || !sameText(*name, expected, static_cast<std::size_t>(end - expected))) return false;
         }
         return true;
     }
 
-    static bool isBitName(const std::string& name, std::string_view bus, unsigned long long bit) {
-        char digits[24];
-        const auto end = std::to_chars(digits, digits + sizeof digits, bit).ptr;
-        const auto n = static_cast<std::size_t>(end - digits);
-        return name.size() == bus.size() + n + 2 && name.compare(0, bus.size(), bus) == 0 &&
-               name[bus.size()] == '[' && name.compare(bus.size() + 1, n, digits, n) == 0 &&
-               name.back() == ']';
+    std::string bitName;  // room for the names allSlotsNamed expects
+
+    // A short string is compared word by word in place of a call.
+    static bool sameText(const std::string& a, const char* y, std::size_t n) {
+        if (a.size() != n) return false;
+        const char* x = a.data();
+        if (n >= 8 && n <= 16) {
+            std::uint64_t x0, x1, y0, y1;
+            std::memcpy(&x0, x, 8);
+            std::memcpy(&x1, x + n - 8, 8);
+            std::memcpy(&y0, y, 8);
+            std::memcpy(&y1, y + n - 8, 8);
+            return x0 == y0 && x1 == y1;
+        }
+        if (n >= 4 && n < 8) {
+            std::uint32_t x0, x1, y0, y1;
+            std::memcpy(&x0, x, 4);
+            std::memcpy(&x1, x + n - 4, 4);
+            std::memcpy(&y0, y, 4);
+            std::memcpy(&y1, y + n - 4, 4);
+            return x0 == y0 && x1 == y1;
+        }
+        return std::memcmp(x, y, n) == 0;
     }
 
     // Buses whose every bit is the net of its name are done. The others are
@@ -774,13 +807,14 @@ private:
 
     bool netRef(kalnet* net, netref& r) {
         if (!net) return false;
-        if (namedBit(net, r)) return true;
+        const std::string* name = net->getName();
+        if (name && mayBeBitName(*name) && namedBit(*name, net, r)) return true;
         if (const std::uint64_t* code = special.find(net)) {
             r = refOf(*code);
             return true;
         }
         if (scalars.contains(net)) {
-            r = {net->getName(), noWire, 0};
+            r = {name, noWire, 0};
             return true;
         }
         if (net->getDesign() != design) return false;
@@ -921,18 +955,17 @@ private:
 
     // An instance read and waiting to be written. Instances are written one
     // behind the reading, so that the nets asked for while reading one arrive
-    // while the one before it is written.
+    // while the one before it is written. Its ports are those of its module
+    // (of->ports), checked when it is read.
     struct pending {
         const std::string* name = nullptr;  // instance map key
         const modinfo* of = nullptr;
-        std::vector<portref> ports;
-        std::vector<kalport*> bitPorts;  // every bit port in port order
+        std::vector<kalport*> bitPorts;  // every bit port in the module's port order
         std::vector<kalnet*> bitNets;    // and its net
     };
 
     void writeInstances() {
         pending slots[2];
-        std::vector<std::pair<kalport*, const std::string*>> bits;
         std::size_t j = 0, filled = 0;
         for (auto& entry : instances) {
             kalcomponent* inst = entry.second;
@@ -940,20 +973,140 @@ private:
             pending& next = slots[filled % 2];
             next.name = &entry.first;
             next.of = &h.modules[m.instanceModules[j++]];
-            portsOf(inst, h.root, next.ports, bits);
-            if (inst != next.of->def) {
-                std::string why = difference(next.ports, next.of->ports);
-                if (!why.empty())
-                    fail(describe(inst, h.root) + " has other ports than " + describe(next.of->def, h.root) +
-                         ", which defines the module of that kind: " + why);
-            }
-            gatherNets(next);
+            if (!readPorts(inst, next)) readPortsSlowly(inst, next);
             if (filled++) writeInstance(slots[filled % 2]);
         }
         if (filled) writeInstance(slots[(filled + 1) % 2]);
     }
 
+    // The bit ports of one component, in a table that a new stamp empties.
+    class bitset {
+    public:
+        void reset(std::size_t expected) {
+            if (tableCapacity(expected) > cells.size()) {
+                cells.assign(tableCapacity(expected), cell{nullptr, 0});
+                mask = cells.size() - 1;
+            }
+            if (++stamp == 0) {
+                std::fill(cells.begin(), cells.end(), cell{nullptr, 0});
+                stamp = 1;
+            }
+        }
+
+        // False when the key is in already.
+        bool insert(const void* key) {
+            for (std::size_t i = tableSlot(key, mask);; i = (i + 1) & mask) {
+                if (cells[i].stamp != stamp) {
+                    cells[i] = {key, stamp};
+                    return true;
+                }
+                if (cells[i].key == key) return false;
+            }
+        }
+
+        bool contains(const void* key) const {
+            for (std::size_t i = tableSlot(key, mask);; i = (i + 1) & mask) {
+                if (cells[i].stamp != stamp) return false;
+                if (cells[i].key == key) return true;
+            }
+        }
+
+    private:
+        struct cell {
+            const void* key;
+            std::uint32_t stamp;
+        };
+        std::vector<cell> cells;
+        std::size_t mask = 0;
+        std::uint32_t stamp = 0;
+    };
+
+    bitset bitPortSet;
+    std::vector<kalport*> slotPorts;  // the slots of an instance's port buses, bus after bus
+    std::vector<std::size_t> slotEnds;
+
+    // Reads an instance whose ports are its module's, in place: answers false
+    // for anything else (a port or bus the module has not, or another
+    // direction or range, or a bit port in two slots), which
+    // readPortsSlowly then tells apart.
+    bool readPorts(kalcomponent* inst, pending& into) {
+        const std::vector<portref>& want = into.of->ports;
+        std::vector<kalport*>& bitPorts = into.bitPorts;
+        std::vector<kalnet*>& bitNets = into.bitNets;
+        bitPorts.clear();
+        bitNets.clear();
+        if (!inst->data) return want.empty();
+        const auto& ports = inst->data->ports;
+        const auto& buses = inst->data->portbuses;
+        slotPorts.clear();
+        slotEnds.clear();
+        for (auto& b : buses) {
+            if (!b.second) continue;
+            const std::vector<kalport*> bits = b.second->getBits();
+            slotPorts.insert(slotPorts.end(), bits.begin(), bits.end());
+            slotEnds.push_back(slotPorts.size());
+        }
+        bitPortSet.reset(slotPorts.size());
+        for (kalport* p : slotPorts)
+            if (p && !bitPortSet.insert(p)) return false;
+        // The module's ports are the component's scalar ports that are no bit
+        // and its buses, merged in name order (a port before a bus of its name).
+        auto port = ports.begin(), portEnd = ports.end();
+        auto bus = buses.begin(), busEnd = buses.end();
+        std::size_t i = 0, nthBus = 0;
+        for (;; ++i) {
+            while (port != portEnd && (!port->second || bitPortSet.contains(port->second)))
+                ++port;
+            while (bus != busEnd && !bus->second)
+                ++bus;
+            if (port == portEnd && bus == busEnd) break;
+            if (i == want.size()) return false;
+            const portref& w = want[i];
+            if (bus == busEnd || (port != portEnd && port->first <= bus->first)) {
+                kalport* p = port->second;
+                if (w.bus || port->first != *w.name || p->getDirection() != w.direction) return false;
+                bitPorts.push_back(p);
+                bitNets.push_back(p->getNet());
+                prefetch(bitNets.back());
+                ++port;
+            } else {
+                kalportbus* b = bus->second;
+                if (!w.bus || bus->first != *w.name || b->getDirection() != w.direction ||
+                    b->getMsb() != w.msb || b->getLsb() != w.lsb)
+                    return false;
+                // as many bits as the range has, whatever the slot vector holds
+                const std::size_t from = nthBus ? slotEnds[nthBus - 1] : 0, to = slotEnds[nthBus];
+                const unsigned long long width = (w.msb > w.lsb ? w.msb - w.lsb : w.lsb - w.msb) + 1ull;
+                for (unsigned long long k = 0; k < width; ++k) {
+                    kalport* bit = k < to - from ? slotPorts[from + k] : nullptr;
+                    bitPorts.push_back(bit);
+                    bitNets.push_back(bit ? bit->getNet() : nullptr);
+                }
+                prefetch(bitNets[bitNets.size() - width]);  // a whole bus is told by its first bit
+                ++bus;
+                ++nthBus;
+            }
+        }
+        return i == want.size();
+    }
+
+    // An instance whose ports are not simply its module's: refused with the
+    // first difference, unless it is the component that defines the module.
+    void readPortsSlowly(kalcomponent* inst, pending& into) {
+        std::vector<portref> ports;
+        std::vector<std::pair<kalport*, const std::string*>> bits;
+        portsOf(inst, h.root, ports, bits);
+        if (inst != into.of->def) {
+            std::string why = difference(ports, into.of->ports);
+            if (!why.empty())
+                fail(describe(inst, h.root) + " has other ports than " + describe(into.of->def, h.root) +
+                     ", which defines the module of that kind: " + why);
+        }
+        gatherNets(ports, into);
+    }
+
     void writeInstance(const pending& p) {
+        const std::vector<portref>& ports = p.of->ports;
         const std::string* name = nameFor(*p.name, portHas(*p.name));
         if (!instanceWritten) out += '\n';  // after the declarations and assignments
         instanceWritten = true;
@@ -961,16 +1114,14 @@ private:
         out += p.of->name;
         out += ' ';
         out += *name;
-        out += p.ports.empty() ? " ();" : " (";
+        out += ports.empty() ? " ();" : " (";
         renamedComment(out, name, *p.name, "instance");
         out += '\n';
-        if (p.ports.empty()) return;
+        if (ports.empty()) return;
         std::size_t at = 0;  // into bitPorts and bitNets
-        for (std::size_t i = 0; i < p.ports.size(); ++i) {
-            const portref& port = p.ports[i];
-            out += "        .";
-            out += p.of->portNames[i];
-            out += '(';
+        for (std::size_t i = 0; i < ports.size(); ++i) {
+            const portref& port = ports[i];
+            out += p.of->portOpen[i];
             netref r;
             if (!port.bus) {
                 if (instanceRef(p.bitPorts[at], p.bitNets[at], r)) expr(out, r);
@@ -978,19 +1129,22 @@ private:
             } else {
                 at = connectBus(p, port, at);
             }
-            out += i + 1 < p.ports.size() ? "),\n" : ")\n";
+            if (i + 1 < ports.size())
+                out += "),\n";
+            else
+                out += ")\n";
         }
         out += "    );\n";
     }
 
     // Every bit port and its net, asking for the nets (which lie anywhere in
     // memory) before any is read.
-    void gatherNets(pending& into) {
+    void gatherNets(const std::vector<portref>& ports, pending& into) {
         std::vector<kalport*>& bitPorts = into.bitPorts;
         std::vector<kalnet*>& bitNets = into.bitNets;
         bitPorts.clear();
         bitNets.clear();
-        for (const portref& p : into.ports) {
+        for (const portref& p : ports) {
             if (!p.bus) {
                 bitPorts.push_back(p.port);
                 bitNets.push_back(p.port->getNet());
@@ -1087,6 +1241,7 @@ void namePorts(modinfo& m) {
                (d->getInstanceMap()->count(s) || d->getNetbusMap()->count(s) || d->getNetMap()->count(s));
     };
     m.portNames.clear();
+    m.portOpen.clear();
     m.freshPortNames.clear();
     for (std::size_t i = 0; i < m.ports.size(); ++i) {
         const std::string& model = *m.ports[i].name;
@@ -1097,6 +1252,7 @@ void namePorts(modinfo& m) {
             m.freshPortNames.push_back(fresh.make(model, taken));
             m.portNames.push_back(identText(m.freshPortNames.back()));
         }
+        m.portOpen.push_back("        ." + m.portNames.back() + "(");
     }
 }
 

@@ -7,10 +7,19 @@
 
 #include <charconv>
 #include <cstddef>
+#include <cstdint>
 #include <cstdlib>
 #include <cstring>
 #include <new>
 #include <string>
+
+#if defined(__GNUC__) || defined(__clang__)
+#define KALVERILOG_INLINE inline __attribute__((always_inline))
+#define KALVERILOG_NOINLINE __attribute__((noinline))
+#else
+#define KALVERILOG_INLINE inline
+#define KALVERILOG_NOINLINE
+#endif
 
 namespace kalverilog {
 namespace detail {
@@ -26,20 +35,20 @@ public:
     std::size_t size() const { return static_cast<std::size_t>(end - first); }
     bool empty() const { return end == first; }
 
-    void append(const char* s, std::size_t n) {
+    KALVERILOG_INLINE void append(const char* s, std::size_t n) {
         if (static_cast<std::size_t>(limit - end) < n) grow(n);
-        if (n) std::memcpy(end, s, n);
+        copy(end, s, n);
         end += n;
     }
-    textbuf& operator+=(const std::string& s) {
+    KALVERILOG_INLINE textbuf& operator+=(const std::string& s) {
         append(s.data(), s.size());
         return *this;
     }
-    textbuf& operator+=(const char* s) {
+    KALVERILOG_INLINE textbuf& operator+=(const char* s) {
         append(s, std::strlen(s));
         return *this;
     }
-    textbuf& operator+=(char c) {
+    KALVERILOG_INLINE textbuf& operator+=(char c) {
         if (end == limit) grow(1);
         *end++ = c;
         return *this;
@@ -76,7 +85,30 @@ private:
     char* end = nullptr;
     char* limit = nullptr;
 
-    void grow(std::size_t n) {
+    // Names are mostly short: up to 16 bytes are copied as two overlapping
+    // words or halves, in place of a call.
+    static KALVERILOG_INLINE void copy(char* to, const char* from, std::size_t n) {
+        if (n >= 8 && n <= 16) {
+            std::uint64_t a, b;
+            std::memcpy(&a, from, 8);
+            std::memcpy(&b, from + n - 8, 8);
+            std::memcpy(to, &a, 8);
+            std::memcpy(to + n - 8, &b, 8);
+        } else if (n >= 4 && n < 8) {
+            std::uint32_t a, b;
+            std::memcpy(&a, from, 4);
+            std::memcpy(&b, from + n - 4, 4);
+            std::memcpy(to, &a, 4);
+            std::memcpy(to + n - 4, &b, 4);
+        } else if (n < 4) {
+            for (std::size_t i = 0; i < n; ++i)
+                to[i] = from[i];
+        } else {
+            std::memcpy(to, from, n);
+        }
+    }
+
+    KALVERILOG_NOINLINE void grow(std::size_t n) {
         const std::size_t used = size(), capacity = static_cast<std::size_t>(limit - first);
         std::size_t want = capacity ? 2 * capacity : 4096;
         while (want - used < n)
