@@ -474,9 +474,9 @@ private:
         kalnetbus* bus;
         std::uint32_t wire;
         unsigned long long width, named;  // bits, and bits held by the net of their name
+        bool slotsNamed;                  // every slot holds the net of its bit name (allSlotsNamed)
     };
-    std::vector<businfo> businfos;
-    std::unordered_map<std::string_view, std::uint32_t> busByName;
+    std::vector<businfo> businfos;  // in name order
     ptrmap busIndex;             // net bus -> businfos; a net's own bus is most often the one its name gives
     businfo* lastBus = nullptr;  // most lookups come in runs of one bus
     ptrmap special;
@@ -579,9 +579,11 @@ private:
                 if (const std::uint64_t* i = busIndex.find(own))
                     if (businfos[*i].name == prefix) b = &businfos[*i];
             if (!b) {
-                auto found = busByName.find(prefix);
-                if (found == busByName.end()) return false;
-                b = &businfos[found->second];
+                auto found =
+                    std::lower_bound(businfos.begin(), businfos.end(), prefix,
+                                     [](const businfo& x, std::string_view name) { return x.name < name; });
+                if (found == businfos.end() || found->name != prefix) return false;
+                b = &*found;
             }
             lastBus = b;
         }
@@ -604,16 +606,19 @@ private:
     }
 
     void declareNetbuses() {
+        auto inInstances = makeCursor(instances.begin(), instances.end(),
+                                      [](const auto& e) -> const std::string& { return e.first; });
+        businfos.reserve(netbuses.size());
+        wires.reserve(netbuses.size());
         for (auto& entry : netbuses) {
             kalnetbus* nb = entry.second;
             if (!nb) continue;
             const unsigned msb = nb->getMsb(), lsb = nb->getLsb();
-            const std::string* name =
-                nameFor(entry.first, portHas(entry.first) || instances.count(entry.first));
-            busByName.emplace(entry.first, static_cast<std::uint32_t>(businfos.size()));
+            const bool taken = portHas(entry.first);
+            const std::string* name = nameFor(entry.first, inInstances.holds(entry.first) || taken);
             busIndex.emplace(nb, businfos.size());
             businfos.push_back({entry.first, nb, static_cast<std::uint32_t>(wires.size()),
-                                (msb > lsb ? msb - lsb : lsb - msb) + 1ull, 0});
+                                (msb > lsb ? msb - lsb : lsb - msb) + 1ull, 0, false});
             wires.push_back({name, msb, lsb, true});
             textbuf& d = *decls;
             d += "    wire ";
@@ -622,6 +627,23 @@ private:
             d += ';';
             renamedComment(d, name, entry.first, "net bus");
             d += '\n';
+        }
+        checkSlotNames();
+    }
+
+    // businfo::slotsNamed of every bus. The nets of the slots are read, and
+    // asked for a bus ahead: they lie together, but far from the last bus's.
+    void checkSlotNames() {
+        std::vector<kalnet*> bits, next;
+        if (!businfos.empty()) bits = businfos[0].bus->getBits();
+        for (std::size_t i = 0; i < businfos.size(); ++i) {
+            if (i + 1 < businfos.size()) {
+                next = businfos[i + 1].bus->getBits();
+                for (kalnet* net : next)
+                    prefetchNet(net);
+            }
+            businfos[i].slotsNamed = allSlotsNamed(businfos[i], bits);
+            bits.swap(next);
         }
     }
 
@@ -679,7 +701,7 @@ private:
                 const std::size_t index = static_cast<std::size_t>(&b - businfos.data());
                 if (skipRuns && !tried[index]) {
                     tried[index] = 1;
-                    if (allSlotsNamed(b)) {
+                    if (b.slotsNamed) {
                         b.named = b.width;
                         seen += b.width;
                         std::string past(b.name);
@@ -699,8 +721,7 @@ private:
     }
 
     // Every slot of the bus holds a net of this design named "bus[bit]".
-    bool allSlotsNamed(const businfo& b) {
-        const std::vector<kalnet*> bits = b.bus->getBits();
+    bool allSlotsNamed(const businfo& b, const std::vector<kalnet*>& bits) {
         if (bits.size() != b.width) return false;
         const wire& w = wires[b.wire];
         // "bus[", then each bit's number and "]"
@@ -967,17 +988,59 @@ private:
     void writeInstances() {
         pending slots[2];
         std::size_t j = 0, filled = 0;
-        for (auto& entry : instances) {
-            kalcomponent* inst = entry.second;
-            if (!inst) continue;
+        auto nextInstance = [this](auto at) {
+            while (at != instances.end() && !at->second)
+                ++at;
+            return at;
+        };
+        for (auto at = nextInstance(instances.begin()); at != instances.end();) {
+            kalcomponent* inst = at->second;
             pending& next = slots[filled % 2];
-            next.name = &entry.first;
+            next.name = &at->first;
             next.of = &h.modules[m.instanceModules[j++]];
+            at = nextInstance(std::next(at));
+            if (at != instances.end()) near.prefetch(at->second);
             if (!readPorts(inst, next)) readPortsSlowly(inst, next);
             if (filled++) writeInstance(slots[filled % 2]);
         }
         if (filled) writeInstance(slots[(filled + 1) % 2]);
     }
+
+    // A component and the objects made with it (its ports, their map nodes,
+    // its buses) mostly lie together in memory, just after it. The extent
+    // that the last instance's objects took there is asked for on the next
+    // instance before it is read: its port map is a chain of dependent reads
+    // that the processor cannot overlap by itself.
+    class extent {
+    public:
+        void start(const void* base) {
+            at = address(base);
+            seen = 0;
+        }
+        void note(const void* p) {
+            const std::uintptr_t a = address(p);
+            if (a >= at && a - at < limit && a - at + 64 > seen) seen = a - at + 64;
+        }
+        void done() { learned = seen; }
+        KALVERILOG_INLINE void prefetch(const void* base) const {
+#if defined(__GNUC__) || defined(__clang__)
+            const char* b = static_cast<const char*>(base);
+            for (std::uintptr_t offset = 0; offset < learned; offset += 64)
+                __builtin_prefetch(b + offset);
+#else
+            (void)base;
+#endif
+        }
+
+    private:
+        static constexpr std::uintptr_t limit = 64 * 1024;  // a span larger than this is no one piece
+        static std::uintptr_t address(const void* p) {
+            return reinterpret_cast<std::uintptr_t>(p);
+        }
+        std::uintptr_t at = 0, seen = 0, learned = 0;
+    };
+
+    extent near;
 
     // The bit ports of one component, in a table that a new stamp empties.
     class bitset {
@@ -1038,10 +1101,13 @@ private:
         if (!inst->data) return want.empty();
         const auto& ports = inst->data->ports;
         const auto& buses = inst->data->portbuses;
+        near.start(inst);
         slotPorts.clear();
         slotEnds.clear();
         for (auto& b : buses) {
             if (!b.second) continue;
+            near.note(&b);
+            near.note(b.second);
             const std::vector<kalport*> bits = b.second->getBits();
             slotPorts.insert(slotPorts.end(), bits.begin(), bits.end());
             slotEnds.push_back(slotPorts.size());
@@ -1055,8 +1121,11 @@ private:
         auto bus = buses.begin(), busEnd = buses.end();
         std::size_t i = 0, nthBus = 0;
         for (;; ++i) {
-            while (port != portEnd && (!port->second || bitPortSet.contains(port->second)))
+            while (port != portEnd && (!port->second || bitPortSet.contains(port->second))) {
+                near.note(&*port);
+                near.note(port->second);
                 ++port;
+            }
             while (bus != busEnd && !bus->second)
                 ++bus;
             if (port == portEnd && bus == busEnd) break;
@@ -1064,6 +1133,8 @@ private:
             const portref& w = want[i];
             if (bus == busEnd || (port != portEnd && port->first <= bus->first)) {
                 kalport* p = port->second;
+                near.note(&*port);
+                near.note(p);
                 if (w.bus || port->first != *w.name || p->getDirection() != w.direction) return false;
                 bitPorts.push_back(p);
                 bitNets.push_back(p->getNet());
@@ -1087,6 +1158,7 @@ private:
                 ++nthBus;
             }
         }
+        near.done();
         return i == want.size();
     }
 
@@ -1163,7 +1235,17 @@ private:
         }
     }
 
-    void prefetch(const kalnet* net) const {
+    static KALVERILOG_INLINE void prefetchNet(const kalnet* net) {
+#if defined(__GNUC__) || defined(__clang__)
+        if (!net) return;
+        __builtin_prefetch(net);
+        __builtin_prefetch(reinterpret_cast<const char*>(net) + 48);
+#else
+        (void)net;
+#endif
+    }
+
+    KALVERILOG_INLINE void prefetch(const kalnet* net) const {
 #if defined(__GNUC__) || defined(__clang__)
         if (!net) return;
         __builtin_prefetch(net);

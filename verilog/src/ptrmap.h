@@ -9,6 +9,8 @@
 #include <utility>
 #include <vector>
 
+#include "compiler.h"
+
 namespace kalverilog {
 namespace detail {
 
@@ -80,7 +82,7 @@ public:
     }
 
     // Asks for the key's first cell ahead of a lookup.
-    void prefetch(const void* key) const {
+    KALVERILOG_INLINE void prefetch(const void* key) const {
 #if defined(__GNUC__) || defined(__clang__)
         __builtin_prefetch(&cells[tableSlot(key, mask)]);
 #else

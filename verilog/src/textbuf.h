@@ -13,13 +13,7 @@
 #include <new>
 #include <string>
 
-#if defined(__GNUC__) || defined(__clang__)
-#define KALVERILOG_INLINE inline __attribute__((always_inline))
-#define KALVERILOG_NOINLINE __attribute__((noinline))
-#else
-#define KALVERILOG_INLINE inline
-#define KALVERILOG_NOINLINE
-#endif
+#include "compiler.h"
 
 namespace kalverilog {
 namespace detail {
