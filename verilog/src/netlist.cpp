@@ -654,43 +654,51 @@ private:
         for (const businfo& b : businfos)
             busBits += b.width;
         scalars.reserve(nets.size() > busBits ? nets.size() - busBits : 16);
-        std::vector<const netentry*> loose;
-        if (!sortNets(true, loose)) sortNets(false, loose);
+        // What walkNets may have to take back.
+        const std::size_t outMark = out.size(), wireMark = wires.size(), textMark = texts.size();
+        const freshnames freshMark = fresh;
+        const ptrmap specialMark = special;
+        std::vector<kalnet*> simple;
+        if (!walkNets(true, simple)) {
+            out.truncate(outMark);
+            wires.resize(wireMark);
+            while (texts.size() > textMark)
+                texts.pop_back();
+            fresh = freshMark;
+            special = specialMark;
+            simple.clear();
+            walkNets(false, simple);
+        }
+        // The set of nets written under their own names is filled in one go,
+        // each net's cell asked for a few nets ahead.
+        for (std::size_t i = 0; i < simple.size(); ++i) {
+            if (i + 8 < simple.size()) scalars.prefetch(simple[i + 8]);
+            scalars.insert(simple[i]);
+        }
+        checkNetbuses();
+    }
+
+    // Declares the nets that are not bits of their net bus by name ("loose"
+    // nets), in name order, and counts the others in businfo::named. Nets
+    // that keep their simple names are listed in simple for the scalars set.
+    //
+    // The net map is the largest thing a netlist reads; with skipRuns, a bus
+    // all of whose slots hold nets of their bit names (businfo::slotsNamed)
+    // has its run of "bus[..." names in the map stepped over. That is right
+    // when the run holds just those names, which the count of entries
+    // confirms (a net of a name like "bus[99]" beside them shows as a
+    // surplus); otherwise the caller takes back what was declared and walks
+    // again without skipping.
+    bool walkNets(bool skipRuns, std::vector<kalnet*>& simple) {
+        for (businfo& b : businfos)
+            b.named = 0;
+        std::vector<char> tried(skipRuns ? businfos.size() : 0, 0);
         auto inPorts = makeCursor(portNames.begin(), portNames.end(),
                                   [](const std::string* s) -> const std::string& { return *s; });
         auto inInstances = makeCursor(instances.begin(), instances.end(),
                                       [](const auto& e) -> const std::string& { return e.first; });
         auto inNetbuses = makeCursor(netbuses.begin(), netbuses.end(),
                                      [](const auto& e) -> const std::string& { return e.first; });
-        for (const netentry* entry : loose) {
-            kalnet* net = entry->second;
-            const std::string& model = entry->first;
-            const bool taken = inPorts.holds(model) || inInstances.holds(model) || inNetbuses.holds(model);
-            if (!taken && isSimple(model)) {
-                scalars.insert(net);  // written as its own name
-                declare(&model, model, "net");
-                continue;
-            }
-            special.emplace(net, codeOf(wires.size(), 0));
-            wires.push_back({nameFor(model, taken), 0, 0, false});
-            declare(wires.back().text, model, "net");
-        }
-        checkNetbuses();
-    }
-
-    // Tells the nets that are bits of their net bus by name (counted in
-    // businfo::named) from the others (loose). The net map is the largest
-    // thing a netlist reads; with skipRuns, a bus all of whose slots hold
-    // nets of their bit names is checked from its own slots, and its run of
-    // "bus[..." names in the map is stepped over. That is right when the run
-    // holds just those names, which the count of entries confirms (a net of a
-    // name like "bus[99]" beside them shows as a surplus); otherwise the
-    // caller walks again without skipping.
-    bool sortNets(bool skipRuns, std::vector<const netentry*>& loose) {
-        loose.clear();
-        for (businfo& b : businfos)
-            b.named = 0;
-        std::vector<char> tried(skipRuns ? businfos.size() : 0, 0);
         std::size_t seen = 0;
         netref r;
         for (auto it = nets.begin(); it != nets.end();) {
@@ -712,7 +720,16 @@ private:
                 }
                 ++b.named;
             } else if (net) {
-                loose.push_back(&*it);
+                const bool taken =
+                    inPorts.holds(model) || inInstances.holds(model) || inNetbuses.holds(model);
+                if (!taken && isSimple(model)) {
+                    simple.push_back(net);  // written as its own name
+                    declare(&model, model, "net");
+                } else {
+                    special.emplace(net, codeOf(wires.size(), 0));
+                    wires.push_back({nameFor(model, taken), 0, 0, false});
+                    declare(wires.back().text, model, "net");
+                }
             }
             ++seen;
             ++it;

@@ -68,6 +68,11 @@ public:
 
     void clear() { end = first; }
 
+    // Drops what was appended after offset at.
+    void truncate(std::size_t at) {
+        if (at < size()) end = first + at;
+    }
+
     // Gives the storage back.
     void release() {
         std::free(first);
