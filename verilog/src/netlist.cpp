@@ -62,6 +62,41 @@ kaldesign* firstDesign(kalcomponent* c) {
     return c->data->designs.begin()->second;
 }
 
+// A component and the objects made with it (its attributes, ports, their
+// map nodes, its buses) mostly lie together in memory, just after it. The
+// extent that the last instance's objects took there is asked for on the
+// next instance before it is read: its maps are chains of dependent reads
+// that the processor cannot overlap by itself. A model laid out otherwise
+// only loses the prefetch.
+class extent {
+public:
+    void start(const void* base) {
+        at = address(base);
+        seen = 0;
+    }
+    void note(const void* p) {
+        const std::uintptr_t a = address(p);
+        if (a >= at && a - at < limit && a - at + 64 > seen) seen = a - at + 64;
+    }
+    void done() { learned = seen; }
+    KALVERILOG_INLINE void prefetch(const void* base) const {
+#if defined(__GNUC__) || defined(__clang__)
+        const char* b = static_cast<const char*>(base);
+        for (std::uintptr_t offset = 0; offset < learned; offset += 64)
+            __builtin_prefetch(b + offset);
+#else
+        (void)base;
+#endif
+    }
+
+private:
+    static constexpr std::uintptr_t limit = 64 * 1024;  // a span larger than this is no one piece
+    static std::uintptr_t address(const void* p) {
+        return reinterpret_cast<std::uintptr_t>(p);
+    }
+    std::uintptr_t at = 0, seen = 0, learned = 0;
+};
+
 // Vendor, library, name and version, as the user reads them.
 std::string kindOf(kalcomponent* c) {
     kalattributes* id = c->identity;
@@ -72,11 +107,13 @@ std::string kindOf(kalcomponent* c) {
 
 // The same, unambiguous, for telling kinds apart, into key (whose storage
 // is kept from one component to the next).
-void kindKey(kalcomponent* c, std::string& key) {
+void kindKey(kalcomponent* c, std::string& key, extent& near) {
     key.clear();
     kalattributes* id = c->identity;
     if (!id) return;
+    near.note(id);
     for (const std::string* part : {id->getVendor(), id->getLibrary(), id->getName(), id->getVersion()}) {
+        near.note(part);
         key += part ? '+' : '-';  // an absent attribute is not an empty one
         if (part) key += *part;
         key += '\0';
@@ -239,7 +276,8 @@ private:
         std::unordered_map<std::string, std::uint32_t> kinds;
         std::deque<std::uint32_t> pending;
         std::string key;
-        kindKey(root, key);
+        extent near;
+        kindKey(root, key, near);
         kinds.emplace(key, 0);
         modules.emplace_back();
         modules[0].def = root;
@@ -249,10 +287,16 @@ private:
             const std::uint32_t m = pending.front();
             pending.pop_front();
             kaldesign* d = modules[m].design;
-            for (auto& entry : *d->data->getInstanceMap()) {
-                kalcomponent* inst = entry.second;
+            const auto& instances = *d->data->getInstanceMap();
+            for (auto entry = instances.begin(); entry != instances.end(); ++entry) {
+                kalcomponent* inst = entry->second;
                 if (!inst) continue;
-                kindKey(inst, key);
+                auto ahead = std::next(entry);
+                if (ahead != instances.end() && ahead->second) near.prefetch(ahead->second);
+                near.start(inst);
+                near.note(inst->data);
+                kindKey(inst, key, near);
+                near.done();
                 auto known = kinds.find(key);
                 const bool added = known == kinds.end();
                 if (added) known = kinds.emplace(key, static_cast<std::uint32_t>(modules.size())).first;
@@ -1022,40 +1066,6 @@ private:
         }
         if (filled) writeInstance(slots[(filled + 1) % 2]);
     }
-
-    // A component and the objects made with it (its ports, their map nodes,
-    // its buses) mostly lie together in memory, just after it. The extent
-    // that the last instance's objects took there is asked for on the next
-    // instance before it is read: its port map is a chain of dependent reads
-    // that the processor cannot overlap by itself.
-    class extent {
-    public:
-        void start(const void* base) {
-            at = address(base);
-            seen = 0;
-        }
-        void note(const void* p) {
-            const std::uintptr_t a = address(p);
-            if (a >= at && a - at < limit && a - at + 64 > seen) seen = a - at + 64;
-        }
-        void done() { learned = seen; }
-        KALVERILOG_INLINE void prefetch(const void* base) const {
-#if defined(__GNUC__) || defined(__clang__)
-            const char* b = static_cast<const char*>(base);
-            for (std::uintptr_t offset = 0; offset < learned; offset += 64)
-                __builtin_prefetch(b + offset);
-#else
-            (void)base;
-#endif
-        }
-
-    private:
-        static constexpr std::uintptr_t limit = 64 * 1024;  // a span larger than this is no one piece
-        static std::uintptr_t address(const void* p) {
-            return reinterpret_cast<std::uintptr_t>(p);
-        }
-        std::uintptr_t at = 0, seen = 0, learned = 0;
-    };
 
     extent near;
 
