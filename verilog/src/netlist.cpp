@@ -97,6 +97,33 @@ private:
     std::uintptr_t at = 0, seen = 0, learned = 0;
 };
 
+// A short string is compared word by word in place of a call.
+KALVERILOG_INLINE bool sameText(const std::string& a, const char* y, std::size_t n) {
+    if (a.size() != n) return false;
+    const char* x = a.data();
+    if (n >= 8 && n <= 16) {
+        std::uint64_t x0, x1, y0, y1;
+        std::memcpy(&x0, x, 8);
+        std::memcpy(&x1, x + n - 8, 8);
+        std::memcpy(&y0, y, 8);
+        std::memcpy(&y1, y + n - 8, 8);
+        return x0 == y0 && x1 == y1;
+    }
+    if (n >= 4 && n < 8) {
+        std::uint32_t x0, x1, y0, y1;
+        std::memcpy(&x0, x, 4);
+        std::memcpy(&x1, x + n - 4, 4);
+        std::memcpy(&y0, y, 4);
+        std::memcpy(&y1, y + n - 4, 4);
+        return x0 == y0 && x1 == y1;
+    }
+    return std::memcmp(x, y, n) == 0;
+}
+
+KALVERILOG_INLINE bool sameText(const std::string& a, const std::string& b) {
+    return sameText(a, b.data(), b.size());
+}
+
 // Vendor, library, name and version, as the user reads them.
 std::string kindOf(kalcomponent* c) {
     kalattributes* id = c->identity;
@@ -805,29 +832,6 @@ private:
 
     std::string bitName;  // room for the names allSlotsNamed expects
 
-    // A short string is compared word by word in place of a call.
-    static bool sameText(const std::string& a, const char* y, std::size_t n) {
-        if (a.size() != n) return false;
-        const char* x = a.data();
-        if (n >= 8 && n <= 16) {
-            std::uint64_t x0, x1, y0, y1;
-            std::memcpy(&x0, x, 8);
-            std::memcpy(&x1, x + n - 8, 8);
-            std::memcpy(&y0, y, 8);
-            std::memcpy(&y1, y + n - 8, 8);
-            return x0 == y0 && x1 == y1;
-        }
-        if (n >= 4 && n < 8) {
-            std::uint32_t x0, x1, y0, y1;
-            std::memcpy(&x0, x, 4);
-            std::memcpy(&x1, x + n - 4, 4);
-            std::memcpy(&y0, y, 4);
-            std::memcpy(&y1, y + n - 4, 4);
-            return x0 == y0 && x1 == y1;
-        }
-        return std::memcmp(x, y, n) == 0;
-    }
-
     // Buses whose every bit is the net of its name are done. The others are
     // checked slot by slot; a net that such a slot holds and that is declared
     // already (its own bus's bit, a scalar net, another bus's slot) stays one
@@ -1140,17 +1144,25 @@ private:
             slotEnds.push_back(slotPorts.size());
         }
         bitPortSet.reset(slotPorts.size());
-        for (kalport* p : slotPorts)
-            if (p && !bitPortSet.insert(p)) return false;
+        std::uintptr_t low = ~std::uintptr_t(0), high = 0;  // the bit ports' addresses lie within
+        for (kalport* p : slotPorts) {
+            if (!p) continue;
+            if (!bitPortSet.insert(p)) return false;
+            low = std::min(low, reinterpret_cast<std::uintptr_t>(p));
+            high = std::max(high, reinterpret_cast<std::uintptr_t>(p));
+        }
+        auto isBit = [&](const kalport* p) {
+            const auto a = reinterpret_cast<std::uintptr_t>(p);
+            return a >= low && a <= high && bitPortSet.contains(p);
+        };
         // The module's ports are the component's scalar ports that are no bit
         // and its buses, merged in name order (a port before a bus of its name).
         auto port = ports.begin(), portEnd = ports.end();
         auto bus = buses.begin(), busEnd = buses.end();
         std::size_t i = 0, nthBus = 0;
         for (;; ++i) {
-            while (port != portEnd && (!port->second || bitPortSet.contains(port->second))) {
-                near.note(&*port);
-                near.note(port->second);
+            while (port != portEnd && (!port->second || isBit(port->second))) {
+                near.note(&*port);  // a map node is made after its port
                 ++port;
             }
             while (bus != busEnd && !bus->second)
@@ -1161,15 +1173,15 @@ private:
             if (bus == busEnd || (port != portEnd && port->first <= bus->first)) {
                 kalport* p = port->second;
                 near.note(&*port);
-                near.note(p);
-                if (w.bus || port->first != *w.name || p->getDirection() != w.direction) return false;
+                if (w.bus || !sameText(port->first, *w.name) || p->getDirection() != w.direction)
+                    return false;
                 bitPorts.push_back(p);
                 bitNets.push_back(p->getNet());
                 prefetch(bitNets.back());
                 ++port;
             } else {
                 kalportbus* b = bus->second;
-                if (!w.bus || bus->first != *w.name || b->getDirection() != w.direction ||
+                if (!w.bus || !sameText(bus->first, *w.name) || b->getDirection() != w.direction ||
                     b->getMsb() != w.msb || b->getLsb() != w.lsb)
                     return false;
                 // as many bits as the range has, whatever the slot vector holds
