@@ -72,17 +72,29 @@ class extent {
 public:
     void start(const void* base) {
         at = address(base);
-        seen = 0;
+        low = limit;
+        high = 0;
     }
     void note(const void* p) {
-        const std::uintptr_t a = address(p);
-        if (a >= at && a - at < limit && a - at + 64 > seen) seen = a - at + 64;
+        const std::uintptr_t offset = address(p) - at;  // wraps around for p below at
+        if (offset >= limit) return;
+        if (offset < low) low = offset;
+        if (offset + 64 > high) high = offset + 64;
     }
-    void done() { learned = seen; }
+    // The object itself (the component and the start of its data), and from
+    // a little before the lowest object noted (the object a map node was made
+    // after) to the highest.
+    void done() {
+        from = low > slack ? low - slack : 0;
+        to = high;
+    }
     KALVERILOG_INLINE void prefetch(const void* base) const {
 #if defined(__GNUC__) || defined(__clang__)
         const char* b = static_cast<const char*>(base);
-        for (std::uintptr_t offset = 0; offset < learned; offset += 64)
+        std::uintptr_t offset = 0;
+        for (; offset < head && offset < to; offset += 64)
+            __builtin_prefetch(b + offset);
+        for (offset = from > offset ? from : offset; offset < to; offset += 64)
             __builtin_prefetch(b + offset);
 #else
         (void)base;
@@ -91,10 +103,11 @@ public:
 
 private:
     static constexpr std::uintptr_t limit = 64 * 1024;  // a span larger than this is no one piece
+    static constexpr std::uintptr_t head = 512, slack = 256;
     static std::uintptr_t address(const void* p) {
         return reinterpret_cast<std::uintptr_t>(p);
     }
-    std::uintptr_t at = 0, seen = 0, learned = 0;
+    std::uintptr_t at = 0, low = 0, high = 0, from = 0, to = 0;
 };
 
 // A short string is compared word by word in place of a call.
