@@ -559,6 +559,7 @@ private:
         std::uint32_t wire;
         unsigned long long width, named;  // bits, and bits held by the net of their name
         bool slotsNamed;                  // every slot holds the net of its bit name (allSlotsNamed)
+        std::map<std::string, kalnet*>::const_iterator past;  // the first net name after every "name[..."
     };
     std::vector<businfo> businfos;  // in name order
     ptrmap busIndex;             // net bus -> businfos; a net's own bus is most often the one its name gives
@@ -702,7 +703,7 @@ private:
             const std::string* name = nameFor(entry.first, inInstances.holds(entry.first) || taken);
             busIndex.emplace(nb, businfos.size());
             businfos.push_back({entry.first, nb, static_cast<std::uint32_t>(wires.size()),
-                                (msb > lsb ? msb - lsb : lsb - msb) + 1ull, 0, false});
+                                (msb > lsb ? msb - lsb : lsb - msb) + 1ull, 0, false, nets.end()});
             wires.push_back({name, msb, lsb, true});
             textbuf& d = *decls;
             d += "    wire ";
@@ -715,8 +716,12 @@ private:
         checkSlotNames();
     }
 
-    // businfo::slotsNamed of every bus. The nets of the slots are read, and
-    // asked for a bus ahead: they lie together, but far from the last bus's.
+    // businfo::slotsNamed of every bus, and for those whose slots all hold
+    // the nets of their names where the net map walk will step over their
+    // run of names (businfo::past). The nets of the slots are read, and asked
+    // for a bus ahead: they lie together, but far from the last bus's. The
+    // net map lookups, one tree descent each, overlap with those reads here;
+    // in the walk they would wait alone.
     void checkSlotNames() {
         std::vector<kalnet*> bits, next;
         if (!businfos.empty()) bits = businfos[0].bus->getBits();
@@ -727,6 +732,11 @@ private:
                     prefetchNet(net);
             }
             businfos[i].slotsNamed = allSlotsNamed(businfos[i], bits);
+            if (businfos[i].slotsNamed) {
+                std::string past(businfos[i].name);
+                past += '\\';  // '[' + 1
+                businfos[i].past = nets.lower_bound(past);
+            }
             bits.swap(next);
         }
     }
@@ -796,9 +806,7 @@ private:
                     if (b.slotsNamed) {
                         b.named = b.width;
                         seen += b.width;
-                        std::string past(b.name);
-                        past += '\\';  // '[' + 1: the first name after every "bus[..."
-                        it = nets.lower_bound(past);
+                        it = b.past;
                         continue;
                     }
                 }
