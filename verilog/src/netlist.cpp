@@ -130,6 +130,11 @@ KALVERILOG_INLINE bool sameText(const std::string& a, const char* y, std::size_t
         std::memcpy(&y1, y + n - 4, 4);
         return x0 == y0 && x1 == y1;
     }
+    if (n < 4) {
+        for (std::size_t i = 0; i < n; ++i)
+            if (x[i] != y[i]) return false;
+        return true;
+    }
     return std::memcmp(x, y, n) == 0;
 }
 
@@ -287,6 +292,7 @@ struct modinfo {
     std::vector<portref> ports;                  // of def
     std::vector<std::string> portNames;          // as written
     std::vector<std::string> portOpen;           // "        .name(" of a connection, per port
+    std::size_t bitCount = 0;                    // scalar ports and bus bits of ports
     std::vector<std::string> freshPortNames;     // those the writer made up, unescaped
     std::vector<std::uint32_t> instanceModules;  // per instance of design, in name order
     std::string name;                            // as written
@@ -448,15 +454,26 @@ void portList(textbuf& out, const modinfo& m) {
     out += ");\n";
 }
 
+// Orders two names as std::string does; names differ early, mostly, so the
+// bytes are compared here in place of a call.
+inline int compareText(const std::string& a, const std::string& b) {
+    const std::size_t n = a.size() < b.size() ? a.size() : b.size();
+    const char *x = a.data(), *y = b.data();
+    for (std::size_t i = 0; i < n; ++i)
+        if (x[i] != y[i]) return static_cast<unsigned char>(x[i]) < static_cast<unsigned char>(y[i]) ? -1 : 1;
+    return a.size() < b.size() ? -1 : a.size() > b.size() ? 1 : 0;
+}
+
 // Iterates a sorted sequence of names alongside another sorted walk.
 template <typename Iterator, typename Key>
 class cursor {
 public:
     cursor(Iterator begin, Iterator end, Key key) : at(begin), end(end), key(key) {}
     bool holds(const std::string& name) {
-        while (at != end && key(*at) < name)
+        int order = 0;
+        while (at != end && (order = compareText(key(*at), name)) < 0)
             ++at;
-        return at != end && key(*at) == name;
+        return at != end && order == 0;
     }
 
 private:
@@ -1148,8 +1165,9 @@ private:
         const std::vector<portref>& want = into.of->ports;
         std::vector<kalport*>& bitPorts = into.bitPorts;
         std::vector<kalnet*>& bitNets = into.bitNets;
-        bitPorts.clear();
-        bitNets.clear();
+        bitPorts.resize(into.of->bitCount);
+        bitNets.resize(into.of->bitCount);
+        std::size_t at = 0;  // into bitPorts and bitNets
         if (!inst->data) return want.empty();
         const auto& ports = inst->data->ports;
         const auto& buses = inst->data->portbuses;
@@ -1196,9 +1214,9 @@ private:
                 near.note(&*port);
                 if (w.bus || !sameText(port->first, *w.name) || p->getDirection() != w.direction)
                     return false;
-                bitPorts.push_back(p);
-                bitNets.push_back(p->getNet());
-                prefetch(bitNets.back());
+                bitPorts[at] = p;
+                bitNets[at] = p->getNet();
+                prefetch(bitNets[at++]);
                 ++port;
             } else {
                 kalportbus* b = bus->second;
@@ -1208,12 +1226,12 @@ private:
                 // as many bits as the range has, whatever the slot vector holds
                 const std::size_t from = nthBus ? slotEnds[nthBus - 1] : 0, to = slotEnds[nthBus];
                 const unsigned long long width = (w.msb > w.lsb ? w.msb - w.lsb : w.lsb - w.msb) + 1ull;
-                for (unsigned long long k = 0; k < width; ++k) {
+                for (unsigned long long k = 0; k < width; ++k, ++at) {
                     kalport* bit = k < to - from ? slotPorts[from + k] : nullptr;
-                    bitPorts.push_back(bit);
-                    bitNets.push_back(bit ? bit->getNet() : nullptr);
+                    bitPorts[at] = bit;
+                    bitNets[at] = bit ? bit->getNet() : nullptr;
                 }
-                prefetch(bitNets[bitNets.size() - width]);  // a whole bus is told by its first bit
+                prefetch(bitNets[at - width]);  // a whole bus is told by its first bit
                 ++bus;
                 ++nthBus;
             }
@@ -1384,6 +1402,7 @@ void namePorts(modinfo& m) {
     };
     m.portNames.clear();
     m.portOpen.clear();
+    m.bitCount = 0;
     m.freshPortNames.clear();
     for (std::size_t i = 0; i < m.ports.size(); ++i) {
         const std::string& model = *m.ports[i].name;
@@ -1395,6 +1414,8 @@ void namePorts(modinfo& m) {
             m.portNames.push_back(identText(m.freshPortNames.back()));
         }
         m.portOpen.push_back("        ." + m.portNames.back() + "(");
+        const portref& p = m.ports[i];
+        m.bitCount += p.bus ? (p.msb > p.lsb ? p.msb - p.lsb : p.lsb - p.msb) + 1ull : 1;
     }
 }
 

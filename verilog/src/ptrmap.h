@@ -34,6 +34,7 @@ public:
     explicit ptrmap(std::size_t expected) { rebuild(tableCapacity(expected)); }
 
     const std::uint64_t* find(const void* key) const {
+        if (!count) return nullptr;  // often so: no hashing then
         for (std::size_t i = tableSlot(key, mask);; i = (i + 1) & mask) {
             if (cells[i].key == key) return &cells[i].value;
             if (!cells[i].key) return nullptr;
