@@ -145,12 +145,28 @@ bool isKeyword(const std::string& name) {
 bool letter(unsigned char c) {
     return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
 }
-bool digit(unsigned char c) {
-    return c >= '0' && c <= '9';
-}
 bool visible(unsigned char c) {
     return c > 0x20 && c < 0x7f;
 }
+
+// What each byte may be in a simple identifier.
+enum : unsigned char { identByte = 1, lowerByte = 2, keywordStart = 4 };
+
+struct byteclasses {
+    unsigned char of[256] = {};
+    constexpr byteclasses() {
+        for (int c = 'a'; c <= 'z'; ++c)
+            of[c] = identByte | lowerByte | keywordStart;
+        for (int c = 'A'; c <= 'Z'; ++c)
+            of[c] = identByte;
+        for (int c = '0'; c <= '9'; ++c)
+            of[c] = identByte | lowerByte;
+        of[static_cast<unsigned char>('_')] = identByte | lowerByte;
+        of[static_cast<unsigned char>('$')] = identByte;
+    }
+};
+
+constexpr byteclasses classes;
 
 }  // namespace
 
@@ -158,14 +174,18 @@ bool isSimple(const std::string& name) {
     if (name.empty()) return false;
     const auto first = static_cast<unsigned char>(name[0]);
     if (!letter(first) && first != '_') return false;
-    bool lower = true;  // every keyword is lower case letters, digits and '_'
-    for (char ch : name) {
-        const auto c = static_cast<unsigned char>(ch);
-        if (!letter(c) && !digit(c) && c != '_' && c != '$') return false;
-        if (c >= 'A' && c <= 'Z') lower = false;
-        if (c == '$') lower = false;
-    }
-    return !lower || !isKeyword(name);
+    // Every keyword is lower case letters, digits and '_' and starts with
+    // three letters (two for "if" and "or"); most names of a large design
+    // fail that early, so the keyword list is searched for few.
+    unsigned char all = identByte | lowerByte;
+    for (char ch : name)
+        all &= classes.of[static_cast<unsigned char>(ch)];
+    if (!(all & identByte)) return false;
+    if (!(all & lowerByte)) return true;
+    const std::size_t start = name.size() < 3 ? name.size() : 3;
+    for (std::size_t i = 0; i < start; ++i)
+        if (!(classes.of[static_cast<unsigned char>(name[i])] & keywordStart)) return true;
+    return !isKeyword(name);
 }
 
 bool isEscapable(const std::string& name) {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <charconv>
 #include <cstdint>
+#include <cstring>
 #include <deque>
 #include <exception>
 #include <set>
@@ -16,6 +17,7 @@
 #include "kaldata.h"
 #include "names.h"
 #include "ptrmap.h"
+#include "textbuf.h"
 
 namespace kalverilog {
 namespace detail {
@@ -45,6 +47,10 @@ void appendNumber(std::string& out, unsigned long long n) {
     out.append(buf, end);
 }
 
+void appendNumber(textbuf& out, unsigned long long n) {
+    out.number(n);
+}
+
 std::string number(unsigned long long n) {
     std::string s;
     appendNumber(s, n);
@@ -56,6 +62,86 @@ kaldesign* firstDesign(kalcomponent* c) {
     return c->data->designs.begin()->second;
 }
 
+// A component and the objects made with it (its attributes, ports, their
+// map nodes, its buses) mostly lie together in memory, just after it. The
+// extent that the last instance's objects took there is asked for on the
+// next instance before it is read: its maps are chains of dependent reads
+// that the processor cannot overlap by itself. A model laid out otherwise
+// only loses the prefetch.
+class extent {
+public:
+    void start(const void* base) {
+        at = address(base);
+        low = limit;
+        high = 0;
+    }
+    void note(const void* p) {
+        const std::uintptr_t offset = address(p) - at;  // wraps around for p below at
+        if (offset >= limit) return;
+        if (offset < low) low = offset;
+        if (offset + 64 > high) high = offset + 64;
+    }
+    // The object itself (the component and the start of its data), and from
+    // a little before the lowest object noted (the object a map node was made
+    // after) to the highest.
+    void done() {
+        from = low > slack ? low - slack : 0;
+        to = high;
+    }
+    KALVERILOG_INLINE void prefetch(const void* base) const {
+#if defined(__GNUC__) || defined(__clang__)
+        const char* b = static_cast<const char*>(base);
+        std::uintptr_t offset = 0;
+        for (; offset < head && offset < to; offset += 64)
+            __builtin_prefetch(b + offset);
+        for (offset = from > offset ? from : offset; offset < to; offset += 64)
+            __builtin_prefetch(b + offset);
+#else
+        (void)base;
+#endif
+    }
+
+private:
+    static constexpr std::uintptr_t limit = 64 * 1024;  // a span larger than this is no one piece
+    static constexpr std::uintptr_t head = 512, slack = 256;
+    static std::uintptr_t address(const void* p) {
+        return reinterpret_cast<std::uintptr_t>(p);
+    }
+    std::uintptr_t at = 0, low = 0, high = 0, from = 0, to = 0;
+};
+
+// A short string is compared word by word in place of a call.
+KALVERILOG_INLINE bool sameText(const std::string& a, const char* y, std::size_t n) {
+    if (a.size() != n) return false;
+    const char* x = a.data();
+    if (n >= 8 && n <= 16) {
+        std::uint64_t x0, x1, y0, y1;
+        std::memcpy(&x0, x, 8);
+        std::memcpy(&x1, x + n - 8, 8);
+        std::memcpy(&y0, y, 8);
+        std::memcpy(&y1, y + n - 8, 8);
+        return x0 == y0 && x1 == y1;
+    }
+    if (n >= 4 && n < 8) {
+        std::uint32_t x0, x1, y0, y1;
+        std::memcpy(&x0, x, 4);
+        std::memcpy(&x1, x + n - 4, 4);
+        std::memcpy(&y0, y, 4);
+        std::memcpy(&y1, y + n - 4, 4);
+        return x0 == y0 && x1 == y1;
+    }
+    if (n < 4) {
+        for (std::size_t i = 0; i < n; ++i)
+            if (x[i] != y[i]) return false;
+        return true;
+    }
+    return std::memcmp(x, y, n) == 0;
+}
+
+KALVERILOG_INLINE bool sameText(const std::string& a, const std::string& b) {
+    return sameText(a, b.data(), b.size());
+}
+
 // Vendor, library, name and version, as the user reads them.
 std::string kindOf(kalcomponent* c) {
     kalattributes* id = c->identity;
@@ -64,17 +150,19 @@ std::string kindOf(kalcomponent* c) {
            text(id->getVersion());
 }
 
-// The same, unambiguous, for telling kinds apart.
-std::string kindKey(kalcomponent* c) {
+// The same, unambiguous, for telling kinds apart, into key (whose storage
+// is kept from one component to the next).
+void kindKey(kalcomponent* c, std::string& key, extent& near) {
+    key.clear();
     kalattributes* id = c->identity;
-    std::string key;
-    if (!id) return key;
+    if (!id) return;
+    near.note(id);
     for (const std::string* part : {id->getVendor(), id->getLibrary(), id->getName(), id->getVersion()}) {
+        near.note(part);
         key += part ? '+' : '-';  // an absent attribute is not an empty one
         if (part) key += *part;
         key += '\0';
     }
-    return key;
 }
 
 // Where a component sits below the root: the root's name, then one instance
@@ -203,6 +291,8 @@ struct modinfo {
     kaldesign* design = nullptr;                 // null for a leaf
     std::vector<portref> ports;                  // of def
     std::vector<std::string> portNames;          // as written
+    std::vector<std::string> portOpen;           // "        .name(" of a connection, per port
+    std::size_t bitCount = 0;                    // scalar ports and bus bits of ports
     std::vector<std::string> freshPortNames;     // those the writer made up, unescaped
     std::vector<std::uint32_t> instanceModules;  // per instance of design, in name order
     std::string name;                            // as written
@@ -231,7 +321,10 @@ private:
     void discover() {
         std::unordered_map<std::string, std::uint32_t> kinds;
         std::deque<std::uint32_t> pending;
-        kinds.emplace(kindKey(root), 0);
+        std::string key;
+        extent near;
+        kindKey(root, key, near);
+        kinds.emplace(key, 0);
         modules.emplace_back();
         modules[0].def = root;
         modules[0].design = firstDesign(root);
@@ -240,12 +333,21 @@ private:
             const std::uint32_t m = pending.front();
             pending.pop_front();
             kaldesign* d = modules[m].design;
-            for (auto& entry : *d->data->getInstanceMap()) {
-                kalcomponent* inst = entry.second;
+            const auto& instances = *d->data->getInstanceMap();
+            for (auto entry = instances.begin(); entry != instances.end(); ++entry) {
+                kalcomponent* inst = entry->second;
                 if (!inst) continue;
-                auto found = kinds.emplace(kindKey(inst), static_cast<std::uint32_t>(modules.size()));
-                const std::uint32_t k = found.first->second;
-                if (found.second) {
+                auto ahead = std::next(entry);
+                if (ahead != instances.end() && ahead->second) near.prefetch(ahead->second);
+                near.start(inst);
+                near.note(inst->data);
+                kindKey(inst, key, near);
+                near.done();
+                auto known = kinds.find(key);
+                const bool added = known == kinds.end();
+                if (added) known = kinds.emplace(key, static_cast<std::uint32_t>(modules.size())).first;
+                const std::uint32_t k = known->second;
+                if (added) {
                     modules.emplace_back();
                     modules[k].def = inst;
                     modules[k].design = firstDesign(inst);
@@ -326,7 +428,7 @@ private:
     }
 };
 
-void range(std::string& o, unsigned msb, unsigned lsb) {
+void range(textbuf& o, unsigned msb, unsigned lsb) {
     o += '[';
     appendNumber(o, msb);
     o += ':';
@@ -334,7 +436,7 @@ void range(std::string& o, unsigned msb, unsigned lsb) {
     o += "] ";
 }
 
-void portList(std::string& out, const modinfo& m) {
+void portList(textbuf& out, const modinfo& m) {
     if (m.ports.empty()) {
         out += ";\n";
         return;
@@ -352,15 +454,26 @@ void portList(std::string& out, const modinfo& m) {
     out += ");\n";
 }
 
+// Orders two names as std::string does; names differ early, mostly, so the
+// bytes are compared here in place of a call.
+inline int compareText(const std::string& a, const std::string& b) {
+    const std::size_t n = a.size() < b.size() ? a.size() : b.size();
+    const char *x = a.data(), *y = b.data();
+    for (std::size_t i = 0; i < n; ++i)
+        if (x[i] != y[i]) return static_cast<unsigned char>(x[i]) < static_cast<unsigned char>(y[i]) ? -1 : 1;
+    return a.size() < b.size() ? -1 : a.size() > b.size() ? 1 : 0;
+}
+
 // Iterates a sorted sequence of names alongside another sorted walk.
 template <typename Iterator, typename Key>
 class cursor {
 public:
     cursor(Iterator begin, Iterator end, Key key) : at(begin), end(end), key(key) {}
     bool holds(const std::string& name) {
-        while (at != end && key(*at) < name)
+        int order = 0;
+        while (at != end && (order = compareText(key(*at), name)) < 0)
             ++at;
-        return at != end && key(*at) == name;
+        return at != end && order == 0;
     }
 
 private:
@@ -376,7 +489,7 @@ cursor<Iterator, Key> makeCursor(Iterator begin, Iterator end, Key key) {
 // Writes one module with a design.
 class modulewriter {
 public:
-    modulewriter(const hierarchy& h, std::uint32_t self, std::string& out)
+    modulewriter(const hierarchy& h, std::uint32_t self, textbuf& out)
         : h(h),
           m(h.modules[self]),
           design(m.design),
@@ -386,7 +499,8 @@ public:
           busIndex(netbuses.size()),
           special(64),
           scalars(16),
-          out(out) {
+          out(out),
+          decls(&out) {
         for (const std::string& name : m.freshPortNames)
             fresh.reserve(name);
     }
@@ -398,18 +512,25 @@ public:
         declarePins();
         joinTopPorts();
         joinSharedBits();
-        writeInstances();
-        if (ncCount)
-            decls += "    wire [" + number(ncCount - 1) + ":0] " + *ncName + ";  // bits on no net\n";
-        out += decls;
+        // Declarations go straight into the text up to here. Instances follow
+        // the assignments; the few wires that only instances turn up are
+        // declared apart and put in place at the end.
+        const std::size_t declEnd = out.size();
         if (!assigns.empty()) {
             out += '\n';
             out += assigns;
         }
-        if (!insts.empty()) {
-            out += '\n';
-            out += insts;
+        textbuf late;
+        decls = &late;
+        writeInstances();
+        if (ncCount) {
+            late += "    wire [";
+            late.number(ncCount - 1);
+            late += ":0] ";
+            late += *ncName;
+            late += ";  // bits on no net\n";
         }
+        if (!late.empty()) out.insert(declEnd, late);
         out += "endmodule\n";
     }
 
@@ -454,9 +575,10 @@ private:
         kalnetbus* bus;
         std::uint32_t wire;
         unsigned long long width, named;  // bits, and bits held by the net of their name
+        bool slotsNamed;                  // every slot holds the net of its bit name (allSlotsNamed)
+        std::map<std::string, kalnet*>::const_iterator past;  // the first net name after every "name[..."
     };
-    std::vector<businfo> businfos;
-    std::unordered_map<std::string_view, std::uint32_t> busByName;
+    std::vector<businfo> businfos;  // in name order
     ptrmap busIndex;             // net bus -> businfos; a net's own bus is most often the one its name gives
     businfo* lastBus = nullptr;  // most lookups come in runs of one bus
     ptrmap special;
@@ -464,8 +586,10 @@ private:
     std::unordered_map<const kaldualport*, std::uint32_t> pins;
     std::vector<sharedbit> shared;
     freshnames fresh;
-    std::string& out;
-    std::string decls, assigns, insts;
+    textbuf& out;
+    textbuf* decls;  // where declarations go: the text, or apart once instances are written
+    textbuf assigns;
+    bool instanceWritten = false;
     std::size_t ncCount = 0;
     const std::string* ncName = nullptr;
     std::vector<const std::string*> portNames;  // model names of the module ports, sorted
@@ -496,8 +620,7 @@ private:
         return freshName(name);
     }
 
-    void renamedComment(std::string& o, const std::string* written, const std::string& model,
-                        const char* what) {
+    void renamedComment(textbuf& o, const std::string* written, const std::string& model, const char* what) {
         if (written == &model || *written == model || *written == identText(model)) return;
         o += "  // ";
         o += what;
@@ -537,9 +660,11 @@ private:
     // The net is the bit of the net bus its name ("bus[i]", i written as the
     // library writes bit numbers) names, and that bus holds it there. The name
     // is the net map key: the library keeps the two equal.
+    static bool mayBeBitName(const std::string& name) { return name.size() >= 4 && name.back() == ']'; }
+
     bool namedBit(const std::string& name, const kalnet* net, netref& r) {
+        if (!mayBeBitName(name)) return false;
         const std::size_t size = name.size();
-        if (size < 4 || name[size - 1] != ']') return false;
         const std::size_t open = name.rfind('[', size - 2);
         if (open == std::string::npos || open == 0 || open + 2 == size) return false;
         if (name[open + 1] == '0' && open + 3 != size) return false;  // "b[03]" is no bit name
@@ -556,9 +681,11 @@ private:
                 if (const std::uint64_t* i = busIndex.find(own))
                     if (businfos[*i].name == prefix) b = &businfos[*i];
             if (!b) {
-                auto found = busByName.find(prefix);
-                if (found == busByName.end()) return false;
-                b = &businfos[found->second];
+                auto found =
+                    std::lower_bound(businfos.begin(), businfos.end(), prefix,
+                                     [](const businfo& x, std::string_view name) { return x.name < name; });
+                if (found == businfos.end() || found->name != prefix) return false;
+                b = &*found;
             }
             lastBus = b;
         }
@@ -581,23 +708,53 @@ private:
     }
 
     void declareNetbuses() {
+        auto inInstances = makeCursor(instances.begin(), instances.end(),
+                                      [](const auto& e) -> const std::string& { return e.first; });
+        businfos.reserve(netbuses.size());
+        wires.reserve(netbuses.size());
         for (auto& entry : netbuses) {
             kalnetbus* nb = entry.second;
             if (!nb) continue;
             const unsigned msb = nb->getMsb(), lsb = nb->getLsb();
-            const std::string* name =
-                nameFor(entry.first, portHas(entry.first) || instances.count(entry.first));
-            busByName.emplace(entry.first, static_cast<std::uint32_t>(businfos.size()));
+            const bool taken = portHas(entry.first);
+            const std::string* name = nameFor(entry.first, inInstances.holds(entry.first) || taken);
             busIndex.emplace(nb, businfos.size());
             businfos.push_back({entry.first, nb, static_cast<std::uint32_t>(wires.size()),
-                                (msb > lsb ? msb - lsb : lsb - msb) + 1ull, 0});
+                                (msb > lsb ? msb - lsb : lsb - msb) + 1ull, 0, false, nets.end()});
             wires.push_back({name, msb, lsb, true});
-            decls += "    wire ";
-            range(decls, msb, lsb);
-            decls += *name;
-            decls += ';';
-            renamedComment(decls, name, entry.first, "net bus");
-            decls += '\n';
+            textbuf& d = *decls;
+            d += "    wire ";
+            range(d, msb, lsb);
+            d += *name;
+            d += ';';
+            renamedComment(d, name, entry.first, "net bus");
+            d += '\n';
+        }
+        checkSlotNames();
+    }
+
+    // businfo::slotsNamed of every bus, and for those whose slots all hold
+    // the nets of their names where the net map walk will step over their
+    // run of names (businfo::past). The nets of the slots are read, and asked
+    // for a bus ahead: they lie together, but far from the last bus's. The
+    // net map lookups, one tree descent each, overlap with those reads here;
+    // in the walk they would wait alone.
+    void checkSlotNames() {
+        std::vector<kalnet*> bits, next;
+        if (!businfos.empty()) bits = businfos[0].bus->getBits();
+        for (std::size_t i = 0; i < businfos.size(); ++i) {
+            if (i + 1 < businfos.size()) {
+                next = businfos[i + 1].bus->getBits();
+                for (kalnet* net : next)
+                    prefetchNet(net);
+            }
+            businfos[i].slotsNamed = allSlotsNamed(businfos[i], bits);
+            if (businfos[i].slotsNamed) {
+                std::string past(businfos[i].name);
+                past += '\\';  // '[' + 1
+                businfos[i].past = nets.lower_bound(past);
+            }
+            bits.swap(next);
         }
     }
 
@@ -608,43 +765,51 @@ private:
         for (const businfo& b : businfos)
             busBits += b.width;
         scalars.reserve(nets.size() > busBits ? nets.size() - busBits : 16);
-        std::vector<const netentry*> loose;
-        if (!sortNets(true, loose)) sortNets(false, loose);
+        // What walkNets may have to take back.
+        const std::size_t outMark = out.size(), wireMark = wires.size(), textMark = texts.size();
+        const freshnames freshMark = fresh;
+        const ptrmap specialMark = special;
+        std::vector<kalnet*> simple;
+        if (!walkNets(true, simple)) {
+            out.truncate(outMark);
+            wires.resize(wireMark);
+            while (texts.size() > textMark)
+                texts.pop_back();
+            fresh = freshMark;
+            special = specialMark;
+            simple.clear();
+            walkNets(false, simple);
+        }
+        // The set of nets written under their own names is filled in one go,
+        // each net's cell asked for a few nets ahead.
+        for (std::size_t i = 0; i < simple.size(); ++i) {
+            if (i + 8 < simple.size()) scalars.prefetch(simple[i + 8]);
+            scalars.insert(simple[i]);
+        }
+        checkNetbuses();
+    }
+
+    // Declares the nets that are not bits of their net bus by name ("loose"
+    // nets), in name order, and counts the others in businfo::named. Nets
+    // that keep their simple names are listed in simple for the scalars set.
+    //
+    // The net map is the largest thing a netlist reads; with skipRuns, a bus
+    // all of whose slots hold nets of their bit names (businfo::slotsNamed)
+    // has its run of "bus[..." names in the map stepped over. That is right
+    // when the run holds just those names, which the count of entries
+    // confirms (a net of a name like "bus[99]" beside them shows as a
+    // surplus); otherwise the caller takes back what was declared and walks
+    // again without skipping.
+    bool walkNets(bool skipRuns, std::vector<kalnet*>& simple) {
+        for (businfo& b : businfos)
+            b.named = 0;
+        std::vector<char> tried(skipRuns ? businfos.size() : 0, 0);
         auto inPorts = makeCursor(portNames.begin(), portNames.end(),
                                   [](const std::string* s) -> const std::string& { return *s; });
         auto inInstances = makeCursor(instances.begin(), instances.end(),
                                       [](const auto& e) -> const std::string& { return e.first; });
         auto inNetbuses = makeCursor(netbuses.begin(), netbuses.end(),
                                      [](const auto& e) -> const std::string& { return e.first; });
-        for (const netentry* entry : loose) {
-            kalnet* net = entry->second;
-            const std::string& model = entry->first;
-            const bool taken = inPorts.holds(model) || inInstances.holds(model) || inNetbuses.holds(model);
-            if (!taken && isSimple(model)) {
-                scalars.insert(net);  // written as its own name
-                declare(&model, model, "net");
-                continue;
-            }
-            special.emplace(net, codeOf(wires.size(), 0));
-            wires.push_back({nameFor(model, taken), 0, 0, false});
-            declare(wires.back().text, model, "net");
-        }
-        checkNetbuses();
-    }
-
-    // Tells the nets that are bits of their net bus by name (counted in
-    // businfo::named) from the others (loose). The net map is the largest
-    // thing a netlist reads; with skipRuns, a bus all of whose slots hold
-    // nets of their bit names is checked from its own slots, and its run of
-    // "bus[..." names in the map is stepped over. That is right when the run
-    // holds just those names, which the count of entries confirms (a net of a
-    // name like "bus[99]" beside them shows as a surplus); otherwise the
-    // caller walks again without skipping.
-    bool sortNets(bool skipRuns, std::vector<const netentry*>& loose) {
-        loose.clear();
-        for (businfo& b : businfos)
-            b.named = 0;
-        std::vector<char> tried(skipRuns ? businfos.size() : 0, 0);
         std::size_t seen = 0;
         netref r;
         for (auto it = nets.begin(); it != nets.end();) {
@@ -655,18 +820,25 @@ private:
                 const std::size_t index = static_cast<std::size_t>(&b - businfos.data());
                 if (skipRuns && !tried[index]) {
                     tried[index] = 1;
-                    if (allSlotsNamed(b)) {
+                    if (b.slotsNamed) {
                         b.named = b.width;
                         seen += b.width;
-                        std::string past(b.name);
-                        past += '\\';  // '[' + 1: the first name after every "bus[..."
-                        it = nets.lower_bound(past);
+                        it = b.past;
                         continue;
                     }
                 }
                 ++b.named;
             } else if (net) {
-                loose.push_back(&*it);
+                const bool taken =
+                    inPorts.holds(model) || inInstances.holds(model) || inNetbuses.holds(model);
+                if (!taken && isSimple(model)) {
+                    simple.push_back(net);  // written as its own name
+                    declare(&model, model, "net");
+                } else {
+                    special.emplace(net, codeOf(wires.size(), 0));
+                    wires.push_back({nameFor(model, taken), 0, 0, false});
+                    declare(wires.back().text, model, "net");
+                }
             }
             ++seen;
             ++it;
@@ -675,28 +847,28 @@ private:
     }
 
     // Every slot of the bus holds a net of this design named "bus[bit]".
-    bool allSlotsNamed(const businfo& b) const {
-        const std::vector<kalnet*> bits = b.bus->getBits();
+    bool allSlotsNamed(const businfo& b, const std::vector<kalnet*>& bits) {
         if (bits.size() != b.width) return false;
         const wire& w = wires[b.wire];
+        // "bus[", then each bit's number and "]"
+        const std::size_t stem = b.name.size() + 1;
+        if (bitName.size() < stem + 24) bitName.resize(stem + 24);
+        char* expected = &bitName[0];
+        std::memcpy(expected, b.name.data(), b.name.size());
+        expected[stem - 1] = '[';
         for (std::size_t k = 0; k < bits.size(); ++k) {
             kalnet* net = bits[k];
             if (!net || net->getDesign() != design) return false;
             const std::string* name = net->getName();
             const unsigned long long bit = w.msb >= w.lsb ? w.msb - k : w.msb + k;
-            if (!name || !isBitName(*name, b.name, bit)) return false;
+            char* end = std::to_chars(expected + stem, expected + stem + 22, bit).ptr;
+            *end++ = ']';
+            if (!name || !sameText(*name, expected, static_cast<std::size_t>(end - expected))) return false;
         }
         return true;
     }
 
-    static bool isBitName(const std::string& name, std::string_view bus, unsigned long long bit) {
-        char digits[24];
-        const auto end = std::to_chars(digits, digits + sizeof digits, bit).ptr;
-        const auto n = static_cast<std::size_t>(end - digits);
-        return name.size() == bus.size() + n + 2 && name.compare(0, bus.size(), bus) == 0 &&
-               name[bus.size()] == '[' && name.compare(bus.size() + 1, n, digits, n) == 0 &&
-               name.back() == ']';
-    }
+    std::string bitName;  // room for the names allSlotsNamed expects
 
     // Buses whose every bit is the net of its name are done. The others are
     // checked slot by slot; a net that such a slot holds and that is declared
@@ -739,11 +911,12 @@ private:
     }
 
     void declare(const std::string* name, const std::string& model, const char* what) {
-        decls += "    wire ";
-        decls += *name;
-        decls += ';';
-        renamedComment(decls, name, model, what);
-        decls += '\n';
+        textbuf& d = *decls;
+        d += "    wire ";
+        d += *name;
+        d += ';';
+        renamedComment(d, name, model, what);
+        d += '\n';
     }
 
     // A net of this design that neither the net map nor a net bus holds.
@@ -758,13 +931,14 @@ private:
 
     bool netRef(kalnet* net, netref& r) {
         if (!net) return false;
-        if (namedBit(net, r)) return true;
+        const std::string* name = net->getName();
+        if (name && mayBeBitName(*name) && namedBit(*name, net, r)) return true;
         if (const std::uint64_t* code = special.find(net)) {
             r = refOf(*code);
             return true;
         }
         if (scalars.contains(net)) {
-            r = {net->getName(), noWire, 0};
+            r = {name, noWire, 0};
             return true;
         }
         if (net->getDesign() != design) return false;
@@ -814,7 +988,7 @@ private:
         return instanceRef(from, r);
     }
 
-    void expr(std::string& o, const netref& r) const {
+    void expr(textbuf& o, const netref& r) const {
         o += *r.text;
         if (!r.slot) return;
         const wire& w = wires[r.wire];
@@ -891,7 +1065,7 @@ private:
 
     // ---- instances ----
 
-    void unconnectedBit(std::string& o, int direction) {
+    void unconnectedBit(textbuf& o, int direction) {
         if (direction == 1) {
             o += "1'bz";
             return;
@@ -905,74 +1079,222 @@ private:
 
     // An instance read and waiting to be written. Instances are written one
     // behind the reading, so that the nets asked for while reading one arrive
-    // while the one before it is written.
+    // while the one before it is written. Its ports are those of its module
+    // (of->ports), checked when it is read.
     struct pending {
         const std::string* name = nullptr;  // instance map key
         const modinfo* of = nullptr;
-        std::vector<portref> ports;
-        std::vector<kalport*> bitPorts;  // every bit port in port order
+        std::vector<kalport*> bitPorts;  // every bit port in the module's port order
         std::vector<kalnet*> bitNets;    // and its net
     };
 
     void writeInstances() {
         pending slots[2];
-        std::vector<std::pair<kalport*, const std::string*>> bits;
         std::size_t j = 0, filled = 0;
-        for (auto& entry : instances) {
-            kalcomponent* inst = entry.second;
-            if (!inst) continue;
+        auto nextInstance = [this](auto at) {
+            while (at != instances.end() && !at->second)
+                ++at;
+            return at;
+        };
+        for (auto at = nextInstance(instances.begin()); at != instances.end();) {
+            kalcomponent* inst = at->second;
             pending& next = slots[filled % 2];
-            next.name = &entry.first;
+            next.name = &at->first;
             next.of = &h.modules[m.instanceModules[j++]];
-            portsOf(inst, h.root, next.ports, bits);
-            if (inst != next.of->def) {
-                std::string why = difference(next.ports, next.of->ports);
-                if (!why.empty())
-                    fail(describe(inst, h.root) + " has other ports than " + describe(next.of->def, h.root) +
-                         ", which defines the module of that kind: " + why);
-            }
-            gatherNets(next);
+            at = nextInstance(std::next(at));
+            if (at != instances.end()) near.prefetch(at->second);
+            if (!readPorts(inst, next)) readPortsSlowly(inst, next);
             if (filled++) writeInstance(slots[filled % 2]);
         }
         if (filled) writeInstance(slots[(filled + 1) % 2]);
     }
 
-    void writeInstance(const pending& p) {
-        const std::string* name = nameFor(*p.name, portHas(*p.name));
-        insts += "    ";
-        insts += p.of->name;
-        insts += ' ';
-        insts += *name;
-        insts += p.ports.empty() ? " ();" : " (";
-        renamedComment(insts, name, *p.name, "instance");
-        insts += '\n';
-        if (p.ports.empty()) return;
+    extent near;
+
+    // The bit ports of one component, in a table that a new stamp empties.
+    class bitset {
+    public:
+        void reset(std::size_t expected) {
+            if (tableCapacity(expected) > cells.size()) {
+                cells.assign(tableCapacity(expected), cell{nullptr, 0});
+                mask = cells.size() - 1;
+            }
+            if (++stamp == 0) {
+                std::fill(cells.begin(), cells.end(), cell{nullptr, 0});
+                stamp = 1;
+            }
+        }
+
+        // False when the key is in already.
+        bool insert(const void* key) {
+            for (std::size_t i = tableSlot(key, mask);; i = (i + 1) & mask) {
+                if (cells[i].stamp != stamp) {
+                    cells[i] = {key, stamp};
+                    return true;
+                }
+                if (cells[i].key == key) return false;
+            }
+        }
+
+        bool contains(const void* key) const {
+            for (std::size_t i = tableSlot(key, mask);; i = (i + 1) & mask) {
+                if (cells[i].stamp != stamp) return false;
+                if (cells[i].key == key) return true;
+            }
+        }
+
+    private:
+        struct cell {
+            const void* key;
+            std::uint32_t stamp;
+        };
+        std::vector<cell> cells;
+        std::size_t mask = 0;
+        std::uint32_t stamp = 0;
+    };
+
+    bitset bitPortSet;
+    std::vector<kalport*> slotPorts;  // the slots of an instance's port buses, bus after bus
+    std::vector<std::size_t> slotEnds;
+
+    // Reads an instance whose ports are its module's, in place: answers false
+    // for anything else (a port or bus the module has not, or another
+    // direction or range, or a bit port in two slots), which
+    // readPortsSlowly then tells apart.
+    bool readPorts(kalcomponent* inst, pending& into) {
+        const std::vector<portref>& want = into.of->ports;
+        std::vector<kalport*>& bitPorts = into.bitPorts;
+        std::vector<kalnet*>& bitNets = into.bitNets;
+        bitPorts.resize(into.of->bitCount);
+        bitNets.resize(into.of->bitCount);
         std::size_t at = 0;  // into bitPorts and bitNets
-        for (std::size_t i = 0; i < p.ports.size(); ++i) {
-            const portref& port = p.ports[i];
-            insts += "        .";
-            insts += p.of->portNames[i];
-            insts += '(';
+        if (!inst->data) return want.empty();
+        const auto& ports = inst->data->ports;
+        const auto& buses = inst->data->portbuses;
+        near.start(inst);
+        slotPorts.clear();
+        slotEnds.clear();
+        for (auto& b : buses) {
+            if (!b.second) continue;
+            near.note(&b);
+            near.note(b.second);
+            const std::vector<kalport*> bits = b.second->getBits();
+            slotPorts.insert(slotPorts.end(), bits.begin(), bits.end());
+            slotEnds.push_back(slotPorts.size());
+        }
+        bitPortSet.reset(slotPorts.size());
+        std::uintptr_t low = ~std::uintptr_t(0), high = 0;  // the bit ports' addresses lie within
+        for (kalport* p : slotPorts) {
+            if (!p) continue;
+            if (!bitPortSet.insert(p)) return false;
+            low = std::min(low, reinterpret_cast<std::uintptr_t>(p));
+            high = std::max(high, reinterpret_cast<std::uintptr_t>(p));
+        }
+        auto isBit = [&](const kalport* p) {
+            const auto a = reinterpret_cast<std::uintptr_t>(p);
+            return a >= low && a <= high && bitPortSet.contains(p);
+        };
+        // The module's ports are the component's scalar ports that are no bit
+        // and its buses, merged in name order (a port before a bus of its name).
+        auto port = ports.begin(), portEnd = ports.end();
+        auto bus = buses.begin(), busEnd = buses.end();
+        std::size_t i = 0, nthBus = 0;
+        for (;; ++i) {
+            while (port != portEnd && (!port->second || isBit(port->second))) {
+                near.note(&*port);  // a map node is made after its port
+                ++port;
+            }
+            while (bus != busEnd && !bus->second)
+                ++bus;
+            if (port == portEnd && bus == busEnd) break;
+            if (i == want.size()) return false;
+            const portref& w = want[i];
+            if (bus == busEnd || (port != portEnd && port->first <= bus->first)) {
+                kalport* p = port->second;
+                near.note(&*port);
+                if (w.bus || !sameText(port->first, *w.name) || p->getDirection() != w.direction)
+                    return false;
+                bitPorts[at] = p;
+                bitNets[at] = p->getNet();
+                prefetch(bitNets[at++]);
+                ++port;
+            } else {
+                kalportbus* b = bus->second;
+                if (!w.bus || !sameText(bus->first, *w.name) || b->getDirection() != w.direction ||
+                    b->getMsb() != w.msb || b->getLsb() != w.lsb)
+                    return false;
+                // as many bits as the range has, whatever the slot vector holds
+                const std::size_t from = nthBus ? slotEnds[nthBus - 1] : 0, to = slotEnds[nthBus];
+                const unsigned long long width = (w.msb > w.lsb ? w.msb - w.lsb : w.lsb - w.msb) + 1ull;
+                for (unsigned long long k = 0; k < width; ++k, ++at) {
+                    kalport* bit = k < to - from ? slotPorts[from + k] : nullptr;
+                    bitPorts[at] = bit;
+                    bitNets[at] = bit ? bit->getNet() : nullptr;
+                }
+                prefetch(bitNets[at - width]);  // a whole bus is told by its first bit
+                ++bus;
+                ++nthBus;
+            }
+        }
+        near.done();
+        return i == want.size();
+    }
+
+    // An instance whose ports are not simply its module's: refused with the
+    // first difference, unless it is the component that defines the module.
+    void readPortsSlowly(kalcomponent* inst, pending& into) {
+        std::vector<portref> ports;
+        std::vector<std::pair<kalport*, const std::string*>> bits;
+        portsOf(inst, h.root, ports, bits);
+        if (inst != into.of->def) {
+            std::string why = difference(ports, into.of->ports);
+            if (!why.empty())
+                fail(describe(inst, h.root) + " has other ports than " + describe(into.of->def, h.root) +
+                     ", which defines the module of that kind: " + why);
+        }
+        gatherNets(ports, into);
+    }
+
+    void writeInstance(const pending& p) {
+        const std::vector<portref>& ports = p.of->ports;
+        const std::string* name = nameFor(*p.name, portHas(*p.name));
+        if (!instanceWritten) out += '\n';  // after the declarations and assignments
+        instanceWritten = true;
+        out += "    ";
+        out += p.of->name;
+        out += ' ';
+        out += *name;
+        out += ports.empty() ? " ();" : " (";
+        renamedComment(out, name, *p.name, "instance");
+        out += '\n';
+        if (ports.empty()) return;
+        std::size_t at = 0;  // into bitPorts and bitNets
+        for (std::size_t i = 0; i < ports.size(); ++i) {
+            const portref& port = ports[i];
+            out += p.of->portOpen[i];
             netref r;
             if (!port.bus) {
-                if (instanceRef(p.bitPorts[at], p.bitNets[at], r)) expr(insts, r);
+                if (instanceRef(p.bitPorts[at], p.bitNets[at], r)) expr(out, r);
                 ++at;
             } else {
                 at = connectBus(p, port, at);
             }
-            insts += i + 1 < p.ports.size() ? "),\n" : ")\n";
+            if (i + 1 < ports.size())
+                out += "),\n";
+            else
+                out += ")\n";
         }
-        insts += "    );\n";
+        out += "    );\n";
     }
 
     // Every bit port and its net, asking for the nets (which lie anywhere in
     // memory) before any is read.
-    void gatherNets(pending& into) {
+    void gatherNets(const std::vector<portref>& ports, pending& into) {
         std::vector<kalport*>& bitPorts = into.bitPorts;
         std::vector<kalnet*>& bitNets = into.bitNets;
         bitPorts.clear();
         bitNets.clear();
-        for (const portref& p : into.ports) {
+        for (const portref& p : ports) {
             if (!p.bus) {
                 bitPorts.push_back(p.port);
                 bitNets.push_back(p.port->getNet());
@@ -991,7 +1313,17 @@ private:
         }
     }
 
-    void prefetch(const kalnet* net) const {
+    static KALVERILOG_INLINE void prefetchNet(const kalnet* net) {
+#if defined(__GNUC__) || defined(__clang__)
+        if (!net) return;
+        __builtin_prefetch(net);
+        __builtin_prefetch(reinterpret_cast<const char*>(net) + 48);
+#else
+        (void)net;
+#endif
+    }
+
+    KALVERILOG_INLINE void prefetch(const kalnet* net) const {
 #if defined(__GNUC__) || defined(__clang__)
         if (!net) return;
         __builtin_prefetch(net);
@@ -1030,7 +1362,7 @@ private:
         const unsigned long long width = (p.msb > p.lsb ? p.msb - p.lsb : p.lsb - p.msb) + 1ull;
         netref whole;
         if (onWholeNetbus(bitNets, at, width, whole)) {
-            insts += *whole.text;
+            out += *whole.text;
             return at + width;
         }
         refs.assign(width, netref());
@@ -1040,18 +1372,18 @@ private:
             any |= (on[k] = bitPorts[at + k] && instanceRef(bitPorts[at + k], bitNets[at + k], refs[k])) != 0;
         if (!any) return at + width;
         if (wholeBus(refs, on)) {
-            insts += *wires[refs[0].wire].text;
+            out += *wires[refs[0].wire].text;
             return at + width;
         }
-        insts += '{';
+        out += '{';
         for (std::size_t k = 0; k < width; ++k) {
-            if (k) insts += ", ";
+            if (k) out += ", ";
             if (on[k])
-                expr(insts, refs[k]);
+                expr(out, refs[k]);
             else
-                unconnectedBit(insts, p.direction);
+                unconnectedBit(out, p.direction);
         }
-        insts += '}';
+        out += '}';
         return at + width;
     }
 };
@@ -1069,6 +1401,8 @@ void namePorts(modinfo& m) {
                (d->getInstanceMap()->count(s) || d->getNetbusMap()->count(s) || d->getNetMap()->count(s));
     };
     m.portNames.clear();
+    m.portOpen.clear();
+    m.bitCount = 0;
     m.freshPortNames.clear();
     for (std::size_t i = 0; i < m.ports.size(); ++i) {
         const std::string& model = *m.ports[i].name;
@@ -1079,12 +1413,15 @@ void namePorts(modinfo& m) {
             m.freshPortNames.push_back(fresh.make(model, taken));
             m.portNames.push_back(identText(m.freshPortNames.back()));
         }
+        m.portOpen.push_back("        ." + m.portNames.back() + "(");
+        const portref& p = m.ports[i];
+        m.bitCount += p.bus ? (p.msb > p.lsb ? p.msb - p.lsb : p.lsb - p.msb) + 1ull : 1;
     }
 }
 
 }  // namespace
 
-Result buildNetlist(kalcomponent* root, const Options& options, std::string& out) noexcept {
+Result buildNetlist(kalcomponent* root, const Options& options, textbuf& out) noexcept {
     Result result;
     out.clear();
     try {
@@ -1118,8 +1455,7 @@ Result buildNetlist(kalcomponent* root, const Options& options, std::string& out
         result.error = std::string("the netlist could not be built: ") + e.what();
     }
     if (!result.ok) {
-        out.clear();
-        out.shrink_to_fit();
+        out.release();
         result.modules.clear();
     }
     return result;

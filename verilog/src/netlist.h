@@ -3,16 +3,15 @@
 #ifndef KALVERILOG_NETLIST_H
 #define KALVERILOG_NETLIST_H
 
-#include <string>
-
 #include "kalverilog.h"
+#include "textbuf.h"
 
 namespace kalverilog {
 namespace detail {
 
 // Fills text and answers ok, or answers the error with text empty. Throws
 // nothing.
-Result buildNetlist(kalcomponent* root, const Options& options, std::string& text) noexcept;
+Result buildNetlist(kalcomponent* root, const Options& options, textbuf& text) noexcept;
 
 }  // namespace detail
 }  // namespace kalverilog

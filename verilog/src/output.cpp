@@ -36,7 +36,7 @@ mode_t newFileMode() {
     return 0666 & ~mask;
 }
 
-bool writeAll(int fd, const std::string& text) {
+bool writeAll(int fd, const detail::textbuf& text) {
     const char* at = text.data();
     std::size_t left = text.size();
     while (left) {
@@ -54,7 +54,7 @@ bool writeAll(int fd, const std::string& text) {
 }  // namespace
 
 Result writeNetlist(kalcomponent* root, std::ostream& out, const Options& options) {
-    std::string text;
+    detail::textbuf text;
     Result r = detail::buildNetlist(root, options, text);
     if (!r.ok) return r;
     try {
@@ -69,7 +69,7 @@ Result writeNetlist(kalcomponent* root, std::ostream& out, const Options& option
 }
 
 Result writeNetlistFile(kalcomponent* root, const std::string& path, const Options& options) {
-    std::string text;
+    detail::textbuf text;
     Result r = detail::buildNetlist(root, options, text);
     if (!r.ok) return r;
     if (path.empty()) return failed(std::move(r), "no file name was given");

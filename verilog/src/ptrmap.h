@@ -9,6 +9,8 @@
 #include <utility>
 #include <vector>
 
+#include "compiler.h"
+
 namespace kalverilog {
 namespace detail {
 
@@ -32,6 +34,7 @@ public:
     explicit ptrmap(std::size_t expected) { rebuild(tableCapacity(expected)); }
 
     const std::uint64_t* find(const void* key) const {
+        if (!count) return nullptr;  // often so: no hashing then
         for (std::size_t i = tableSlot(key, mask);; i = (i + 1) & mask) {
             if (cells[i].key == key) return &cells[i].value;
             if (!cells[i].key) return nullptr;
@@ -80,7 +83,7 @@ public:
     }
 
     // Asks for the key's first cell ahead of a lookup.
-    void prefetch(const void* key) const {
+    KALVERILOG_INLINE void prefetch(const void* key) const {
 #if defined(__GNUC__) || defined(__clang__)
         __builtin_prefetch(&cells[tableSlot(key, mask)]);
 #else
