@@ -88,13 +88,9 @@ public:
         from = low > slack ? low - slack : 0;
         to = high;
     }
-    KALVERILOG_INLINE void prefetch(const void* base) {
-        aim(base);
-        step(~std::uintptr_t(0));
-    }
-
-    // The same in steps, so that the requests do not queue up behind each
-    // other: aim at the next object, then ask for a few lines at a time.
+    // The extent is asked for in steps, so that the requests do not queue up
+    // behind each other: aim at the next object, then ask for a few lines at
+    // a time.
     void aim(const void* base) {
         next = static_cast<const char*>(base);
         pos = 0;
@@ -175,6 +171,7 @@ void kindKey(kalcomponent* c, std::string& key, extent& near) {
     near.note(id);
     for (const std::string* part : {id->getVendor(), id->getLibrary(), id->getName(), id->getVersion()}) {
         near.note(part);
+        near.step(6);
         key += part ? '+' : '-';  // an absent attribute is not an empty one
         if (part) key += *part;
         key += '\0';
@@ -354,10 +351,11 @@ private:
                 kalcomponent* inst = entry->second;
                 if (!inst) continue;
                 auto ahead = std::next(entry);
-                if (ahead != instances.end() && ahead->second) near.prefetch(ahead->second);
+                if (ahead != instances.end() && ahead->second) near.aim(ahead->second);
                 near.start(inst);
                 near.note(inst->data);
                 kindKey(inst, key, near);
+                near.step(~std::uintptr_t(0));
                 near.done();
                 auto known = kinds.find(key);
                 const bool added = known == kinds.end();
