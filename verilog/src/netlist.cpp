@@ -94,15 +94,17 @@ public:
     void aim(const void* base) {
         next = static_cast<const char*>(base);
         pos = 0;
-        stop = to;
-        skipFrom = head;
-        skipTo = from > head ? from : head;
+        end = head < to ? head : to;
+        resume = from > head ? from : head;
     }
     KALVERILOG_INLINE void step(std::uintptr_t lines) {
 #if defined(__GNUC__) || defined(__clang__)
-        for (; lines && pos < stop; --lines) {
-            if (pos == skipFrom) pos = skipTo;
-            if (pos >= stop) break;
+        for (; lines; --lines) {
+            if (pos >= end) {
+                if (end == to || resume >= to) return;
+                pos = resume > pos ? resume : pos;  // past the head, on to the noted span
+                end = to;
+            }
             __builtin_prefetch(next + pos);
             pos += 64;
         }
@@ -119,7 +121,7 @@ private:
     }
     std::uintptr_t at = 0, low = 0, high = 0, from = 0, to = 0;
     const char* next = nullptr;
-    std::uintptr_t pos = 0, stop = 0, skipFrom = 0, skipTo = 0;
+    std::uintptr_t pos = 0, end = 0, resume = 0;
 };
 
 // A short string is compared word by word in place of a call.
