@@ -6,6 +6,7 @@
 #include <cstring>
 #include <deque>
 #include <exception>
+#include <map>
 #include <set>
 #include <stdexcept>
 #include <string_view>
