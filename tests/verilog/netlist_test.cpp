@@ -149,12 +149,17 @@ TEST_F(netlist, names_kept_escaped_or_made_unique) {
     rtl->addInstance(N("m"), ram);
     net(top, "clk");
     net(top, "n.1");
+    net(top, "if");  // keywords of two letters and with digits, and a near miss
+    net(top, "tri0");
+    net(top, "tri0x");
     wire(top, "clk", "clk", "");
 
     const std::string v = text(top, true);
     EXPECT_THAT(v, HasSubstr("    output wire a_b,\n    input wire clk,\n    input wire \\wire \n);"));
     EXPECT_THAT(v, HasSubstr("    wire clk_1;  // net clk\n"));
     EXPECT_THAT(v, HasSubstr("    wire \\n.1 ;\n"));
+    EXPECT_THAT(v, HasSubstr("    wire \\if ;\n"));
+    EXPECT_THAT(v, HasSubstr("    wire \\tri0 ;\n    wire tri0x;\n"));
     EXPECT_THAT(v, HasSubstr("    assign clk_1 = clk;\n"));
     // instances in name order meet acme:other:blk first, so it keeps the name
     EXPECT_THAT(v, HasSubstr("    blk clk_2 ();  // instance clk\n"));

@@ -6,6 +6,7 @@
 #include <cstring>
 #include <deque>
 #include <exception>
+#include <map>
 #include <set>
 #include <stdexcept>
 #include <string_view>
@@ -88,16 +89,28 @@ public:
         from = low > slack ? low - slack : 0;
         to = high;
     }
-    KALVERILOG_INLINE void prefetch(const void* base) const {
+    // The extent is asked for in steps, so that the requests do not queue up
+    // behind each other: aim at the next object, then ask for a few lines at
+    // a time.
+    void aim(const void* base) {
+        next = static_cast<const char*>(base);
+        pos = 0;
+        end = head < to ? head : to;
+        resume = from > head ? from : head;
+    }
+    KALVERILOG_INLINE void step(std::uintptr_t lines) {
 #if defined(__GNUC__) || defined(__clang__)
-        const char* b = static_cast<const char*>(base);
-        std::uintptr_t offset = 0;
-        for (; offset < head && offset < to; offset += 64)
-            __builtin_prefetch(b + offset);
-        for (offset = from > offset ? from : offset; offset < to; offset += 64)
-            __builtin_prefetch(b + offset);
+        for (; lines; --lines) {
+            if (pos >= end) {
+                if (end == to || resume >= to) return;
+                pos = resume > pos ? resume : pos;  // past the head, on to the noted span
+                end = to;
+            }
+            __builtin_prefetch(next + pos);
+            pos += 64;
+        }
 #else
-        (void)base;
+        (void)lines;
 #endif
     }
 
@@ -108,6 +121,8 @@ private:
         return reinterpret_cast<std::uintptr_t>(p);
     }
     std::uintptr_t at = 0, low = 0, high = 0, from = 0, to = 0;
+    const char* next = nullptr;
+    std::uintptr_t pos = 0, end = 0, resume = 0;
 };
 
 // A short string is compared word by word in place of a call.
@@ -159,6 +174,7 @@ void kindKey(kalcomponent* c, std::string& key, extent& near) {
     near.note(id);
     for (const std::string* part : {id->getVendor(), id->getLibrary(), id->getName(), id->getVersion()}) {
         near.note(part);
+        near.step(6);
         key += part ? '+' : '-';  // an absent attribute is not an empty one
         if (part) key += *part;
         key += '\0';
@@ -338,10 +354,11 @@ private:
                 kalcomponent* inst = entry->second;
                 if (!inst) continue;
                 auto ahead = std::next(entry);
-                if (ahead != instances.end() && ahead->second) near.prefetch(ahead->second);
+                if (ahead != instances.end() && ahead->second) near.aim(ahead->second);
                 near.start(inst);
                 near.note(inst->data);
                 kindKey(inst, key, near);
+                near.step(~std::uintptr_t(0));
                 near.done();
                 auto known = kinds.find(key);
                 const bool added = known == kinds.end();
@@ -743,12 +760,12 @@ private:
         std::vector<kalnet*> bits, next;
         if (!businfos.empty()) bits = businfos[0].bus->getBits();
         for (std::size_t i = 0; i < businfos.size(); ++i) {
-            if (i + 1 < businfos.size()) {
-                next = businfos[i + 1].bus->getBits();
-                for (kalnet* net : next)
-                    prefetchNet(net);
-            }
-            businfos[i].slotsNamed = allSlotsNamed(businfos[i], bits);
+            next.clear();
+            if (i + 1 < businfos.size()) next = businfos[i + 1].bus->getBits();
+            std::size_t asked = 0;  // of next's nets
+            businfos[i].slotsNamed = allSlotsNamed(businfos[i], bits, next, asked);
+            for (; asked < next.size(); ++asked)
+                prefetchNet(next[asked]);
             if (businfos[i].slotsNamed) {
                 std::string past(businfos[i].name);
                 past += '\\';  // '[' + 1
@@ -847,7 +864,10 @@ private:
     }
 
     // Every slot of the bus holds a net of this design named "bus[bit]".
-    bool allSlotsNamed(const businfo& b, const std::vector<kalnet*>& bits) {
+    // The nets of ahead are asked for along the way, one per slot (asked
+    // counts them), so that the requests do not queue up at once.
+    bool allSlotsNamed(const businfo& b, const std::vector<kalnet*>& bits, const std::vector<kalnet*>& ahead,
+                       std::size_t& asked) {
         if (bits.size() != b.width) return false;
         const wire& w = wires[b.wire];
         // "bus[", then each bit's number and "]"
@@ -857,6 +877,7 @@ private:
         std::memcpy(expected, b.name.data(), b.name.size());
         expected[stem - 1] = '[';
         for (std::size_t k = 0; k < bits.size(); ++k) {
+            if (asked < ahead.size()) prefetchNet(ahead[asked++]);
             kalnet* net = bits[k];
             if (!net || net->getDesign() != design) return false;
             const std::string* name = net->getName();
@@ -1102,7 +1123,7 @@ private:
             next.name = &at->first;
             next.of = &h.modules[m.instanceModules[j++]];
             at = nextInstance(std::next(at));
-            if (at != instances.end()) near.prefetch(at->second);
+            if (at != instances.end()) near.aim(at->second);
             if (!readPorts(inst, next)) readPortsSlowly(inst, next);
             if (filled++) writeInstance(slots[filled % 2]);
         }
@@ -1202,6 +1223,7 @@ private:
         for (;; ++i) {
             while (port != portEnd && (!port->second || isBit(port->second))) {
                 near.note(&*port);  // a map node is made after its port
+                near.step(4);
                 ++port;
             }
             while (bus != busEnd && !bus->second)
@@ -1212,6 +1234,7 @@ private:
             if (bus == busEnd || (port != portEnd && port->first <= bus->first)) {
                 kalport* p = port->second;
                 near.note(&*port);
+                near.step(4);
                 if (w.bus || !sameText(port->first, *w.name) || p->getDirection() != w.direction)
                     return false;
                 bitPorts[at] = p;
@@ -1236,6 +1259,7 @@ private:
                 ++nthBus;
             }
         }
+        near.step(~std::uintptr_t(0));
         near.done();
         return i == want.size();
     }
