@@ -140,7 +140,26 @@ struct scope {
         }
         return nullptr;
     }
+
+    // Adds a <parameter>-like element: its value expression, found again by
+    // id and by name. `firstName`: an earlier entry keeps a shared name.
+    entry& declare(const document& d, pugi::xml_node p, std::string& id, std::string& name, bool firstName);
 };
+
+scope::entry& scope::declare(const document& d, pugi::xml_node p, std::string& id, std::string& name,
+                             bool firstName) {
+    store.emplace_back();
+    entry& e = store.back();
+    e.expr = d.text(p, "value");
+    e.doc = &d;
+    e.node = d.child(p, "value");
+    e.evalIn = this;
+    id = p.attribute("parameterId").value();
+    name = d.text(p, "name");
+    if (!id.empty()) byId[id] = &e;
+    if (!name.empty() && (!firstName || !byName.count(name))) byName[name] = &e;
+    return e;
+}
 
 // Evaluates an entry (once); a string literal is kept as a string.
 void settle(scope::entry& e) {
@@ -370,15 +389,8 @@ struct resolver {
         auto addParams = [&](pugi::xml_node holder, const char* list, const char* item, bool keep) {
             pugi::xml_node ps = d.child(holder, list);
             d.each(ps, item, [&](pugi::xml_node p) {
-                sc.store.emplace_back();
-                scope::entry& e = sc.store.back();
-                e.expr = d.text(p, "value");
-                e.doc = &d;
-                e.node = d.child(p, "value");
-                e.evalIn = &sc;
-                std::string pid = p.attribute("parameterId").value(), pname = d.text(p, "name");
-                if (!pid.empty()) sc.byId[pid] = &e;
-                if (!pname.empty() && !sc.byName.count(pname)) sc.byName[pname] = &e;
+                std::string pid, pname;
+                scope::entry& e = sc.declare(d, p, pid, pname, true);
                 for (auto& o : overrides)
                     if (o.first == pid || (pid.empty() && o.first == pname)) {
                         e.state = 2;
@@ -753,15 +765,8 @@ struct resolver {
         scope sc;
         sc.parent = &ownerScope;
         d.each(d.child(root, "parameters"), "parameter", [&](pugi::xml_node p) {
-            sc.store.emplace_back();
-            scope::entry& e = sc.store.back();
-            e.expr = d.text(p, "value");
-            e.doc = &d;
-            e.node = d.child(p, "value");
-            e.evalIn = &sc;
-            std::string pid = p.attribute("parameterId").value(), pname = d.text(p, "name");
-            if (!pid.empty()) sc.byId[pid] = &e;
-            if (!pname.empty()) sc.byName[pname] = &e;
+            std::string pid, pname;
+            sc.declare(d, p, pid, pname, false);
         });
         // A design instantiation's values replace the design's parameters.
         pugi::xml_node cevs = from.child(overridesAt, "configurableElementValues");
