@@ -44,19 +44,18 @@ struct leftovers {
 
     // Sets, so that an object that several entries (or components) name is
     // freed once.
+    template <class T>
+    static void deleteEach(const std::set<T*>& objects) {
+        for (T* o : objects)
+            delete o;
+    }
     void free() {
-        for (auto* f : filesets)
-            delete f;
-        for (auto* g : generators)
-            delete g;
-        for (auto* g : groups)
-            delete g;
-        for (auto* r : registries)
-            delete r;
-        for (auto* l : lpcs)
-            delete l;
-        for (auto* g : catalogueGroups)
-            delete g;
+        deleteEach(filesets);
+        deleteEach(generators);
+        deleteEach(groups);
+        deleteEach(registries);
+        deleteEach(lpcs);
+        deleteEach(catalogueGroups);
     }
 };
 
