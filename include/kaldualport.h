@@ -27,7 +27,8 @@ class kaldualport : public kalattributes {
 private:
     std::string name;
     kaldesign* design;
-    kaldualportbus* bus;
+    struct extras;  // its bus link and the buses it is tied to: only dual ports in a bus have one
+    extras* extra;
     std::vector<kalport*> ports;
 
 public:
@@ -76,6 +77,7 @@ public:
 private:
     friend struct kalaccess;
     void setDesign(kaldesign* design);
+    extras& more();
 };
 
 /// @brief A bus of dual ports: a name, a range msb..lsb and one slot per bit.
@@ -88,7 +90,8 @@ private:
 class kaldualportbus : public kalattributes {
 private:
     std::string name;
-    kaldesign* design;
+    struct extras;  // its design and the dual ports tied to it
+    extras* extra;
     std::vector<kaldualport*> slotVector;
     unsigned int msb;
     unsigned int lsb;
@@ -140,6 +143,7 @@ public:
 private:
     friend struct kalaccess;
     void setDesign(kaldesign* design);
+    extras& more();
 };
 
 #endif

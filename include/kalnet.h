@@ -114,7 +114,8 @@ private:
     kaldesign* design;
     std::string* name;
     std::string* secondName;
-    std::string* text;  // its lowest bit marks a bus that removeNetbus handed to the caller
+    struct extras;  // the text and the nets tied to the bus: few buses have either
+    extras* extra;  // its lowest bit marks a bus that removeNetbus handed to the caller
     std::vector<kalnet*>* bits;
     unsigned int msb;
     unsigned int lsb;
@@ -182,10 +183,10 @@ private:
     void setName(const std::string* name);
     void setSecondName(const std::string* secondName);
     void setRange(unsigned int msb, unsigned int lsb);
-    void clearBits();
     void markHandedBack();
     bool handedBack() const;
-    std::string* ownText() const;
+    extras* side() const;
+    extras& more();
 };
 
 /// @return whether the net's attribute "type" is exactly "internal" (false for null).

@@ -127,7 +127,8 @@ private:
     kalcomponent* component;
     const std::string* name;  // shared with every equal port name
     const std::string* secondName;
-    std::string* text;
+    struct extras;  // the text and the ports tied to the bus: few buses have either
+    extras* extra;
     std::vector<kalport*>* bits;
     int direction;
     unsigned int msb;
@@ -204,7 +205,7 @@ private:
     void setComponent(kalcomponent* component);
     void setName(const std::string* name);
     void setSecondName(const std::string* secondName);
-    void clearBits();
+    extras& more();
 };
 
 /// @return false for null; for a bus bit, isPadPinBus() of its bus (the port's own

@@ -44,11 +44,7 @@ kalcomponentdata::~kalcomponentdata() {
     delete elements;
     elements = nullptr;
     kalmaps::destroyAll(designs);
-    // Port buses go before the ports; none need look for stray bit links then.
-    for (auto& entry : ports)
-        if (entry.second) entry.second->unsetBus();
-    for (auto& entry : portbuses)
-        if (entry.second) kalaccess::setComponent(entry.second, nullptr);
+    // Port buses go before the ports: each clears the bus links of its bits.
     kalmaps::destroyAll(portbuses);
     kalmaps::destroyAll(ports);
     // Designs handed back outlive their owner without a link to it; records

@@ -5,6 +5,8 @@
 
 #include "core/text.h"
 #include "connectivity/access.h"
+#include "connectivity/bits.h"
+#include "connectivity/busties.h"
 #include "kalcomponent.h"
 #include "kalport.h"
 #include "kalutilities.h"
@@ -66,8 +68,7 @@ int kalcomponent::addPortbus(const std::string* name, const std::string* second,
         // An existing port of that name becomes the bit.
         kalport* port = placePort(this, *bitName, *bitSecond, direction, fourth, added);
         if (!port) continue;
-        bus->connect(bit, port);
-        port->setBus(bus);
+        kalbusties::place(bus, kalbits::slot(bit, msb), port);
     }
     return 1;
 }
@@ -222,13 +223,11 @@ int kalcomponent::deletePortbus(const std::string* name) {
     if (it == data->portbuses.end()) return 0;
     const std::string busName = *name;
     kalportbus* bus = it->second;
-    for (kalport* bit : bus->getBits()) {
-        if (!bit) continue;
-        bit->unsetBus();
+    // A bit leaves the bus before it goes, so that removePort does not take the bus with it.
+    kalbusties::drain(bus, [&](kalport* bit) {
         const kaltext::copied bitName(bit->getName());
         removePort(bitName.get());
-    }
-    kalaccess::clearBits(bus);
+    });
     data->portbuses.erase(busName);
     delete bus;
     return 1;

@@ -7,6 +7,7 @@
 #define KALDATA_SRC_CONNECTIVITY_ACCESS_H
 
 #include <string>
+#include <vector>
 
 #include "kalcomponent.h"
 #include "kaldualport.h"
@@ -23,10 +24,13 @@ struct kalaccess {
     static void setName(kalport* p, const std::string* n);
     static void setSecondName(kalport* p, const std::string* n) { p->setSecondName(n); }
     static void setDualPort(kalport* p, kaldualport* d) { p->setDualPort(d); }
-    // The port's net is being destroyed while the port is not on its list (see unlisted.h).
+    // The port's net is being destroyed while the port is not on its list.
     static void dropNet(kalport* p) { p->net = nullptr; }
     // Takes every entry of a dying port out of a dual port's list.
     static void forgetPort(kaldualport* d, const kalport* p);
+    // The dual ports that list the port, whatever its dual port link says: a
+    // port can be in the lists of several (null without a side record unless make).
+    static std::vector<kaldualport*>* listers(kalport* p, bool make);
 
     // A component's instance name is part of its connected ports' lookup keys.
     static void setInstanceName(kalcomponent* c, const std::string& name);
@@ -37,11 +41,15 @@ struct kalaccess {
     static void portLeft(kalnet* net, kalport* p);
     // The net took the port off its list (or is dying): the port forgets it.
     static void netUnlisted(kalport* p, const kalnet* net);
+    // The net took `twin`, an equal port, off its list in place of another;
+    // the twin keeps pointing to the net, which clears that link when it dies.
+    static void twinUnlisted(kalnet* net, kalport* twin);
+    // The port's link to the net ends: the net no longer clears it.
+    static void linkEnded(kalnet* net, const kalport* p);
 
     static void setComponent(kalportbus* b, kalcomponent* c) { b->setComponent(c); }
     static void setName(kalportbus* b, const std::string* n) { b->setName(n); }
     static void setSecondName(kalportbus* b, const std::string* n) { b->setSecondName(n); }
-    static void clearBits(kalportbus* b) { b->clearBits(); }
 
     static void setDesign(kalnet* n, kaldesign* d) { n->setDesign(d); }
     static void setName(kalnet* n, const std::string* s) { n->setName(s); }
@@ -52,13 +60,28 @@ struct kalaccess {
     static void setName(kalnetbus* b, const std::string* s) { b->setName(s); }
     static void setSecondName(kalnetbus* b, const std::string* s) { b->setSecondName(s); }
     static void setRange(kalnetbus* b, unsigned int msb, unsigned int lsb) { b->setRange(msb, lsb); }
-    static void clearBits(kalnetbus* b) { b->clearBits(); }
     static void markHandedBack(kalnetbus* b) { b->markHandedBack(); }
     static bool handedBack(const kalnetbus* b) { return b->handedBack(); }
 
     // A design registers its dual ports and dual port buses.
     static void setDesign(kaldualport* p, kaldesign* d) { p->setDesign(d); }
     static void setDesign(kaldualportbus* b, kaldesign* d) { b->setDesign(d); }
+
+    // Bus membership, for busties.h only: a bus's slots (null when it has
+    // none), the ties of a member or a bus (null without a side record unless
+    // make), and a member's bus link alone.
+    static std::vector<kalport*>* slots(kalportbus* b) { return b->bits; }
+    static std::vector<kalnet*>* slots(kalnetbus* b) { return b->bits; }
+    static std::vector<kaldualport*>* slots(kaldualportbus* b) { return &b->slotVector; }
+    static std::vector<kalportbus*>* ties(kalport* p, bool make);
+    static std::vector<kalport*>* ties(kalportbus* b, bool make);
+    static std::vector<kalnetbus*>* ties(kalnet* n, bool make);
+    static std::vector<kalnet*>* ties(kalnetbus* b, bool make);
+    static std::vector<kaldualportbus*>* ties(kaldualport* d, bool make);
+    static std::vector<kaldualport*>* ties(kaldualportbus* b, bool make);
+    static void setLink(kalport* p, kalportbus* b) { p->bus = b; }
+    static void setLink(kalnet* n, kalnetbus* b) { n->bus = b; }
+    static void setLink(kaldualport* d, kaldualportbus* b);
 
     // Nets record on the component whether a clock source joined or left.
     static void setClockSourceState(kalcomponent* c, int state) { c->setClockSourceState(state); }

@@ -5,15 +5,11 @@
 #include "kaldualport.h"
 
 #include <algorithm>
-#include <atomic>
 #include <cstddef>
-#include <map>
-#include <mutex>
-#include <set>
 
 #include "connectivity/access.h"
 #include "connectivity/bits.h"
-#include "connectivity/duallists.h"
+#include "connectivity/busties.h"
 #include "events/paths.h"
 #include "kalcomponent.h"
 #include "kaldesign.h"
@@ -22,36 +18,18 @@
 
 namespace {
 
-// Every dual port that lists a port, whatever the port's link says (see duallists.h).
-std::map<const kalport*, std::set<kaldualport*>>& listers() {
-    // Never freed: model objects may still die during static destruction.
-    static auto* table = new std::map<const kalport*, std::set<kaldualport*>>();
-    return *table;
-}
-
-// The tables here are shared by every model in the process; separate models may live on separate threads.
-std::recursive_mutex& tablesLock() {
-    static auto* lock = new std::recursive_mutex();
-    return *lock;
-}
-
-// Entries of listers(). Every port asks on its way out; while no port is listed
-// (the usual case) it is answered without the lock. Another thread's entries
-// concern another model, so a stale zero is safe.
-std::atomic<std::size_t> listedPorts{0};
-void countListed() {
-    listedPorts.store(listers().size(), std::memory_order_release);
-}
-
 // ---- port <-> dual port: the only two places where the pair changes ----
+//
+// A port can be in the lists of several dual ports while its link names at
+// most one of them, so each port keeps the dual ports that list it: a port
+// that is destroyed leaves every list it is in.
 
 void enlist(std::vector<kalport*>& list, kalport* port, kaldualport* dualPort) {
     list.push_back(port);
     if (!port) return;
     kalaccess::setDualPort(port, dualPort);
-    std::lock_guard<std::recursive_mutex> hold(tablesLock());
-    listers()[port].insert(dualPort);
-    countListed();
+    auto& listers = *kalaccess::listers(port, true);
+    if (std::find(listers.begin(), listers.end(), dualPort) == listers.end()) listers.push_back(dualPort);
 }
 
 kalport* delist(std::vector<kalport*>& list, std::vector<kalport*>::iterator at, kaldualport* dualPort) {
@@ -60,13 +38,8 @@ kalport* delist(std::vector<kalport*>& list, std::vector<kalport*>::iterator at,
     if (!port) return port;
     kalaccess::setDualPort(port, nullptr);
     if (std::find(list.begin(), list.end(), port) == list.end()) {
-        std::lock_guard<std::recursive_mutex> hold(tablesLock());
-        auto it = listers().find(port);
-        if (it != listers().end()) {
-            it->second.erase(dualPort);
-            if (it->second.empty()) listers().erase(it);
-        }
-        countListed();
+        if (auto* listers = kalaccess::listers(port, false))
+            listers->erase(std::remove(listers->begin(), listers->end(), dualPort), listers->end());
     }
     return port;
 }
@@ -89,55 +62,6 @@ bool memberNameIs(const kalport* port, const std::string& wanted) {
     return prefix + "/" + kaltext::orEmpty(port->getName()) == wanted;
 }
 
-// ---- dual port <-> bus ----
-//
-// A bus link is not always mirrored by a slot: an overwritten or emptied slot
-// leaves the former occupant linked, and one dual port can sit in several
-// slots or buses. Every pairing ever made is remembered, so that whichever
-// side is destroyed first clears the other's reference and nothing is left
-// pointing at freed memory.
-struct tieTable {
-    std::map<kaldualport*, std::set<kaldualportbus*>> busesOf;
-    std::map<kaldualportbus*, std::set<kaldualport*>> membersOf;
-};
-
-tieTable& ties() {
-    // Never freed: model objects may still die during static destruction.
-    static tieTable* table = new tieTable();
-    return *table;
-}
-
-void tie(kaldualport* dualPort, kaldualportbus* bus) {
-    std::lock_guard<std::recursive_mutex> hold(tablesLock());
-    ties().busesOf[dualPort].insert(bus);
-    ties().membersOf[bus].insert(dualPort);
-}
-
-// Buses still holding the dual port, untied from it.
-std::set<kaldualportbus*> untie(kaldualport* dualPort) {
-    std::set<kaldualportbus*> buses;
-    std::lock_guard<std::recursive_mutex> hold(tablesLock());
-    auto it = ties().busesOf.find(dualPort);
-    if (it == ties().busesOf.end()) return buses;
-    buses.swap(it->second);
-    ties().busesOf.erase(it);
-    for (kaldualportbus* bus : buses)
-        ties().membersOf[bus].erase(dualPort);
-    return buses;
-}
-
-std::set<kaldualport*> untie(kaldualportbus* bus) {
-    std::set<kaldualport*> members;
-    std::lock_guard<std::recursive_mutex> hold(tablesLock());
-    auto it = ties().membersOf.find(bus);
-    if (it == ties().membersOf.end()) return members;
-    members.swap(it->second);
-    ties().membersOf.erase(it);
-    for (kaldualport* member : members)
-        ties().busesOf[member].erase(bus);
-    return members;
-}
-
 // The slot of bit index, or past the end when index is outside the range.
 std::size_t slotOf(unsigned int msb, unsigned int lsb, unsigned int index) {
     return kalbits::inRange(index, msb, lsb) ? kalbits::slot(index, msb) : static_cast<std::size_t>(-1);
@@ -145,21 +69,25 @@ std::size_t slotOf(unsigned int msb, unsigned int lsb, unsigned int index) {
 
 }  // namespace
 
-void kalduallists::portGone(const kalport* port) {
-    if (listedPorts.load(std::memory_order_acquire) == 0) return;
-    std::lock_guard<std::recursive_mutex> hold(tablesLock());
-    auto it = listers().find(port);
-    if (it == listers().end()) return;
-    const std::set<kaldualport*> lists = std::move(it->second);
-    listers().erase(it);
-    countListed();
-    for (kaldualport* dualPort : lists)
-        kalaccess::forgetPort(dualPort, port);
-}
-
 // ---------------------------------------------------------------- kaldualport
 
-kaldualport::kaldualport(const std::string& name_) : name(name_), design(nullptr), bus(nullptr) {}
+struct kaldualport::extras {
+    kaldualportbus* bus = nullptr;
+    std::vector<kaldualportbus*> ties;  // see busties.h
+};
+
+kaldualport::extras& kaldualport::more() {
+    if (!extra) extra = new extras();
+    return *extra;
+}
+std::vector<kaldualportbus*>* kalaccess::ties(kaldualport* d, bool make) {
+    return make || d->extra ? &d->more().ties : nullptr;
+}
+void kalaccess::setLink(kaldualport* d, kaldualportbus* b) {
+    if (b || d->extra) d->more().bus = b;
+}
+
+kaldualport::kaldualport(const std::string& name_) : name(name_), design(nullptr), extra(nullptr) {}
 
 std::vector<kalport*> kaldualport::getPortList() const {
     return ports;
@@ -221,13 +149,11 @@ unsigned int kaldualport::getPortsCount() const {
 }
 
 void kaldualport::setBus(kaldualportbus* bus_) {
-    if (!bus_) return;
-    bus = bus_;
-    tie(this, bus_);
+    if (bus_) kalbusties::setLink(this, bus_);
 }
 
 void kaldualport::unsetBus() {
-    bus = nullptr;
+    kalbusties::setLink(this, static_cast<kaldualportbus*>(nullptr));
 }
 
 kaldualport::~kaldualport() {
@@ -235,22 +161,18 @@ kaldualport::~kaldualport() {
     while (!ports.empty())
         delist(ports, ports.begin(), this);
 
-    if (bus) {
-        bus->disconnect(this);
+    if (kaldualportbus* bus = getBus()) {
+        kalbusties::emptySlot(bus, kalbusties::firstHolding(bus, this), this);
         if (kaldesign* owner = bus->getDesign()) {
             // The design may rework its bus map while handling this; keep our own copy of the key.
             const std::string busName = bus->getName();
             owner->removeDualPortBus(busName);
         }
     }
-
     // Slots that still hold this dual port (a second slot, or a bus it has
     // since left) are emptied so that no bus keeps a pointer to it.
-    for (kaldualportbus* holder : untie(this)) {
-        const std::vector<kaldualport*> slots = holder->getSlots();
-        for (auto n = std::count(slots.begin(), slots.end(), this); n > 0; --n)
-            holder->disconnect(this);
-    }
+    kalbusties::memberGone(this);
+    delete extra;
 }
 
 const std::string& kaldualport::getName() const {
@@ -260,7 +182,7 @@ kaldesign* kaldualport::getDesign() const {
     return design;
 }
 kaldualportbus* kaldualport::getBus() const {
-    return bus;
+    return extra ? extra->bus : nullptr;
 }
 void kaldualport::setDesign(kaldesign* design_) {
     design = design_;
@@ -269,7 +191,7 @@ void kaldualport::setDesign(kaldesign* design_) {
 // ------------------------------------------------------------- kaldualportbus
 
 kaldualportbus::kaldualportbus(const std::string& name_, unsigned int msb_, unsigned int lsb_)
-    : name(name_), design(nullptr), msb(msb_), lsb(lsb_) {
+    : name(name_), extra(nullptr), msb(msb_), lsb(lsb_) {
     // A bus without a name stays without slots, whatever its range.
     if (!name.empty()) slotVector.assign(kalbits::width(msb, lsb), nullptr);
 }
@@ -280,10 +202,9 @@ kaldualportbus* kaldualportbus::createDualPortBus(std::string name, unsigned int
     // is held to the same width.
     if (dualPorts.size() != kalbits::width(msb, lsb)) return nullptr;
     kaldualportbus* created = new kaldualportbus(name, msb, lsb);
-    created->slotVector = std::move(dualPorts);
-    for (kaldualport* member : created->slotVector) {
-        if (member) member->setBus(created);
-    }
+    created->slotVector.assign(dualPorts.size(), nullptr);
+    for (std::size_t k = 0; k < dualPorts.size(); ++k)
+        if (dualPorts[k]) kalbusties::place(created, k, dualPorts[k]);
     return created;
 }
 
@@ -293,21 +214,16 @@ unsigned int kaldualportbus::getDualPortsCount() const {
 
 void kaldualportbus::connect(unsigned int index, kaldualport* dualPort) {
     std::size_t slot = slotOf(msb, lsb, index);
-    if (!dualPort || slot >= slotVector.size()) return;
     // A former occupant is not told: it keeps its link to this bus.
-    slotVector[slot] = dualPort;
-    dualPort->setBus(this);
+    if (dualPort && slot < slotVector.size()) kalbusties::place(this, slot, dualPort);
 }
 
 void kaldualportbus::disconnect(unsigned int index) {
-    std::size_t slot = slotOf(msb, lsb, index);
-    if (slot < slotVector.size()) slotVector[slot] = nullptr;
+    kalbusties::emptySlot(this, slotOf(msb, lsb, index));
 }
 
 void kaldualportbus::disconnect(kaldualport* dualPort) {
-    if (!dualPort) return;
-    auto it = std::find(slotVector.begin(), slotVector.end(), dualPort);
-    if (it != slotVector.end()) *it = nullptr;
+    if (dualPort) kalbusties::emptySlot(this, kalbusties::firstHolding(this, dualPort));
 }
 
 int kaldualportbus::direction() const {
@@ -348,23 +264,31 @@ void kaldualportbus::removeAllAttributes(bool propagate) {
     }
 }
 
+struct kaldualportbus::extras {
+    kaldesign* design = nullptr;
+    std::vector<kaldualport*> ties;  // see busties.h
+};
+
+kaldualportbus::extras& kaldualportbus::more() {
+    if (!extra) extra = new extras();
+    return *extra;
+}
+std::vector<kaldualport*>* kalaccess::ties(kaldualportbus* b, bool make) {
+    return make || b->extra ? &b->more().ties : nullptr;
+}
+
 kaldualportbus::~kaldualportbus() {
     kalhandback::forget(this);
-    for (kaldualport*& member : slotVector) {
-        if (member) member->unsetBus();
-        member = nullptr;
-    }
     // Members that left their slot but kept the link must not outlive it with a dangling bus.
-    for (kaldualport* former : untie(this)) {
-        if (former->getBus() == this) former->unsetBus();
-    }
+    kalbusties::busGone(this);
+    delete extra;
 }
 
 const std::string& kaldualportbus::getName() const {
     return name;
 }
 kaldesign* kaldualportbus::getDesign() const {
-    return design;
+    return extra ? extra->design : nullptr;
 }
 std::vector<kaldualport*> kaldualportbus::getSlots() const {
     return slotVector;
@@ -376,5 +300,5 @@ unsigned int kaldualportbus::getLsb() const {
     return lsb;
 }
 void kaldualportbus::setDesign(kaldesign* design_) {
-    design = design_;
+    if (design_ || extra) more().design = design_;
 }

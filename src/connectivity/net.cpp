@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "connectivity/access.h"
 #include "connectivity/bits.h"
-#include "connectivity/heldbits.h"
+#include "connectivity/busties.h"
 #include "connectivity/portlist.h"
 #include "connectivity/propagate.h"
-#include "connectivity/unlisted.h"
+#include <algorithm>
 #include <cstdint>
 
 #include "core/names.h"
@@ -75,12 +75,34 @@ struct kalnet::extras {
     bool secondless = false;
     std::string* second = nullptr;  // the second name where it differs from the name
     std::string* text = nullptr;
+    std::vector<kalnetbus*> busTies;  // see busties.h
+    // Equal twins that the net took off its list in another port's place: they
+    // still point here, and lose that link when the net dies.
+    std::vector<kalport*> unlisted;
     ~extras() {
         delete second;
         delete text;
     }
-    bool plain() const { return !nameless && !secondless && !second && !text; }
+    bool plain() const {
+        return !nameless && !secondless && !second && !text && busTies.empty() && unlisted.empty();
+    }
 };
+
+std::vector<kalnetbus*>* kalaccess::ties(kalnet* n, bool make) {
+    return make || n->extra ? &n->more().busTies : nullptr;
+}
+
+void kalaccess::twinUnlisted(kalnet* net, kalport* twin) {
+    // A twin whose link already moved on has nothing here to clear.
+    if (twin->getNet() == net) net->more().unlisted.push_back(twin);
+}
+
+void kalaccess::linkEnded(kalnet* net, const kalport* p) {
+    if (!net->extra || net->extra->unlisted.empty()) return;
+    auto& twins = net->extra->unlisted;
+    twins.erase(std::remove(twins.begin(), twins.end(), p), twins.end());
+    net->tidy();
+}
 
 kalnet::kalnet(const std::string* name_, const std::string* secondName_, const std::string* text_)
     : design(nullptr), extra(nullptr), bus(nullptr), ports(nullptr) {
@@ -119,7 +141,7 @@ void kalnet::disconnect(kalport* port, bool flag) {
     kalport* listed = list.at(static_cast<std::size_t>(at));
     list.eraseAt(static_cast<std::size_t>(at));
     kalaccess::netUnlisted(listed, this);
-    if (listed != port) kalunlisted::note(listed, this);  // an equal twin went; it keeps its link
+    if (listed != port) kalaccess::twinUnlisted(this, listed);  // it keeps its link
     port->disconnect(this);
     kalevents::emit("connect", "rem", [&](kalevents::record& r) {
         r.set("net", kalpaths::designPath(design, kaltext::orEmpty(getName())));
@@ -129,10 +151,10 @@ void kalnet::disconnect(kalport* port, bool flag) {
 }
 
 void kalnet::setBus(kalnetbus* b) {
-    if (b) bus = b;
+    if (b) kalbusties::setLink(this, b);
 }
 void kalnet::unsetBus() {
-    bus = nullptr;
+    kalbusties::setLink(this, static_cast<kalnetbus*>(nullptr));
 }
 
 std::vector<kalport*> kalnet::getTop() {
@@ -187,10 +209,16 @@ kalnet::~kalnet() {
     // Ports it took off its list may still point to it, also those that the
     // loop above took off: disconnecting one port takes out the first equal
     // entry, which may be its twin.
-    kalunlisted::netGone(this);
+    if (extra) {
+        const std::vector<kalport*> twins = std::move(extra->unlisted);
+        extra->unlisted.clear();
+        for (kalport* p : twins)
+            if (p->getNet() == this) kalaccess::dropNet(p);
+    }
     if (bus) {
         kalnetbus* b = bus;
-        b->disconnect(this);
+        // As b->disconnect(this): the first equal slot goes, maybe a twin's.
+        kalbusties::emptySlot(b, kalbusties::firstEqual(b, this), this);
         // A bus that removeNetbus handed back is the caller's: it loses this
         // bit but is not destroyed with it.
         // Nor does it call back into the design: its name there may belong to
@@ -201,10 +229,12 @@ kalnet::~kalnet() {
             b->getDesign()->removeNetbus(&busName);
         }
         // Deleting one bit net deletes its whole bus; the other bits survive.
-        if (bus && !callers) delete bus;
-        bus = nullptr;
+        if (bus && !callers) {
+            bus = nullptr;  // it may no longer hold this net, so would not clear the link
+            delete b;
+        }
     }
-    kalheldbits::netGone(this);  // buses other than its own may still hold it
+    kalbusties::memberGone(this);  // a bus kept by the caller, or buses other than its own
     delete extra;
 }
 
@@ -280,13 +310,18 @@ void kalnet::setSecondName(const std::string* n) {
 
 // ---- kalnetbus ----
 
+struct kalnetbus::extras {
+    std::string* text = nullptr;
+    std::vector<kalnet*> ties;  // see busties.h
+};
+
 kalnetbus::kalnetbus(const std::string* name_, const std::string* secondName_, unsigned int msb_,
                      unsigned int lsb_, const std::string* text_)
-    : design(nullptr), name(nullptr), secondName(nullptr), text(nullptr), bits(nullptr), msb(0), lsb(0) {
+    : design(nullptr), name(nullptr), secondName(nullptr), extra(nullptr), bits(nullptr), msb(0), lsb(0) {
     if (!name_ || !secondName_) return;
     kalnames::assignPaired(name, secondName, name_);
     kalnames::assignPaired(secondName, name, secondName_);
-    text = kaltext::copyOf(text_);
+    if (text_) more().text = kaltext::copyOf(text_);
     msb = msb_;
     lsb = lsb_;
     bits = new std::vector<kalnet*>(kalbits::width(msb, lsb), nullptr);
@@ -297,12 +332,9 @@ kalnetbus* kalnetbus::createNetBus(const std::string* name, const std::string* s
                                    const std::string* text) {
     auto* b = new kalnetbus(name, secondName, msb, lsb, text);
     delete b->bits;
-    b->bits = new std::vector<kalnet*>(nets);
-    for (kalnet* n : nets) {
-        if (!n) continue;
-        kalheldbits::joined(n, b);  // another bus may hold it too
-        n->setBus(b);
-    }
+    b->bits = new std::vector<kalnet*>(nets.size(), nullptr);
+    for (std::size_t k = 0; k < nets.size(); ++k)
+        if (nets[k]) kalbusties::place(b, k, nets[k]);  // another bus may hold it too
     return b;
 }
 
@@ -314,32 +346,16 @@ kalnet* kalnetbus::netAtIndex(unsigned int i) {
 void kalnetbus::connect(unsigned int i, kalnet* net) {
     if (!net || !bits || !kalbits::inRange(i, msb, lsb)) return;
     std::size_t s = kalbits::slot(i, msb);
-    if (s >= bits->size()) return;
-    disconnect(i);
-    (*bits)[s] = net;
-    kalheldbits::joined(net, this);  // another bus may hold it too
-    net->setBus(this);
+    if (s < bits->size()) kalbusties::place(this, s, net);  // the former occupant keeps its link
 }
 
 void kalnetbus::disconnect(unsigned int i) {
     if (!bits || !kalbits::inRange(i, msb, lsb)) return;
-    std::size_t s = kalbits::slot(i, msb);
-    if (s >= bits->size()) return;
-    kalnet* was = (*bits)[s];
-    (*bits)[s] = nullptr;  // the net that was there keeps its bus link
-    if (was) kalheldbits::left(was, this);
+    kalbusties::emptySlot(this, kalbits::slot(i, msb));  // the net that was there keeps its bus link
 }
 
 void kalnetbus::disconnect(kalnet* net) {
-    if (!net || !bits) return;
-    for (kalnet*& n : *bits) {
-        if (n && *n == *net) {
-            kalnet* was = n;
-            n = nullptr;  // both nets keep their bus links
-            kalheldbits::left(was, this);
-            return;
-        }
-    }
+    if (net) kalbusties::emptySlot(this, kalbusties::firstEqual(this, net));  // both keep their links
 }
 
 bool kalnetbus::hasSoucePortsInNetBus() {
@@ -371,27 +387,34 @@ void kalnetbus::removeAllAttributes(bool propagate) {
 }
 
 // A bus handed back is the caller's: a dying bit leaves it but does not
-// destroy it. The mark rides on the text pointer, whose lowest bit is free.
+// destroy it. The mark rides on the side record pointer, whose lowest bit is free.
 void kalnetbus::markHandedBack() {
-    text = reinterpret_cast<std::string*>(reinterpret_cast<std::uintptr_t>(text) | 1u);
+    extra = reinterpret_cast<extras*>(reinterpret_cast<std::uintptr_t>(extra) | 1u);
 }
 bool kalnetbus::handedBack() const {
-    return reinterpret_cast<std::uintptr_t>(text) & 1u;
+    return reinterpret_cast<std::uintptr_t>(extra) & 1u;
 }
-std::string* kalnetbus::ownText() const {
-    return reinterpret_cast<std::string*>(reinterpret_cast<std::uintptr_t>(text) & ~std::uintptr_t(1));
+kalnetbus::extras* kalnetbus::side() const {
+    return reinterpret_cast<extras*>(reinterpret_cast<std::uintptr_t>(extra) & ~std::uintptr_t(1));
+}
+kalnetbus::extras& kalnetbus::more() {
+    if (!side())
+        extra = reinterpret_cast<extras*>(reinterpret_cast<std::uintptr_t>(new extras()) | handedBack());
+    return *side();
+}
+std::vector<kalnet*>* kalaccess::ties(kalnetbus* b, bool make) {
+    return make || b->side() ? &b->more().ties : nullptr;
 }
 
 kalnetbus::~kalnetbus() {
     kalhandback::forget(this);
-    if (bits) {
-        for (kalnet* n : *bits)
-            if (n) n->unsetBus();
-        delete bits;
-    }
-    kalheldbits::busGone(this);
+    kalbusties::busGone(this);
+    delete bits;
     kalnames::releasePair(name, secondName);
-    delete ownText();
+    if (extras* e = side()) {
+        delete e->text;
+        delete e;
+    }
 }
 
 kaldesign* kalnetbus::getDesign() const {
@@ -404,7 +427,7 @@ const std::string* kalnetbus::getSecondName() const {
     return secondName;
 }
 const std::string* kalnetbus::getText() const {
-    return ownText();
+    return side() ? side()->text : nullptr;
 }
 std::vector<kalnet*> kalnetbus::getBits() const {
     return bits ? *bits : std::vector<kalnet*>();
@@ -428,9 +451,6 @@ void kalnetbus::setSecondName(const std::string* n) {
 void kalnetbus::setRange(unsigned int msb_, unsigned int lsb_) {
     msb = msb_;
     lsb = lsb_;
-}
-void kalnetbus::clearBits() {
-    if (bits) bits->clear();
 }
 
 // ---- free queries ----

@@ -5,9 +5,8 @@
 #include <vector>
 
 #include "connectivity/bits.h"
-#include "connectivity/duallists.h"
+#include "connectivity/busties.h"
 #include "connectivity/propagate.h"
-#include "connectivity/unlisted.h"
 #include "core/names.h"
 #include "core/text.h"
 #include "events/paths.h"
@@ -33,14 +32,6 @@ std::string exportFromValue(const kalcomponent* c, const std::string* name) {
     return v;
 }
 
-// Empties every slot of the bus that holds this very port.
-void forgetBit(kalportbus* bus, const kalport* port) {
-    const std::vector<kalport*> slots = bus->getBits();
-    kalbits::forEachSlot(slots, bus->getMsb(), bus->getLsb(), [&](std::size_t, kalport* p, unsigned int bit) {
-        if (p == port) bus->disconnect(bit);
-    });
-}
-
 }  // namespace
 
 // ---- kalport ----
@@ -54,11 +45,25 @@ struct kalport::extras {
     // Nets that still list this port although its link moved on (to an equal
     // net of a replaced design, say). Rare, hence a pointer.
     std::vector<kalnet*>* listedBy = nullptr;
+    std::vector<kaldualport*> listers;  // dual ports whose lists hold it
+    std::vector<kalportbus*> busTies;   // see busties.h
+};
+
+struct kalportbus::extras {
+    std::string* text = nullptr;
+    std::vector<kalport*> ties;  // see busties.h
 };
 
 kalport::extras& kalport::more() {
     if (!extra) extra = new extras();
     return *extra;
+}
+
+std::vector<kalportbus*>* kalaccess::ties(kalport* p, bool make) {
+    return make || p->extra ? &p->more().busTies : nullptr;
+}
+std::vector<kaldualport*>* kalaccess::listers(kalport* p, bool make) {
+    return make || p->extra ? &p->more().listers : nullptr;
 }
 
 // ---- nets that list a port which left them ----
@@ -120,10 +125,10 @@ kalport::kalport(const std::string* name_, const std::string* secondName_, int d
 }
 
 void kalport::setBus(kalportbus* b) {
-    if (b) bus = b;
+    if (b) kalbusties::setLink(this, b);
 }
 void kalport::unsetBus() {
-    bus = nullptr;
+    kalbusties::setLink(this, static_cast<kalportbus*>(nullptr));
 }
 kaldualport* kalport::getDualPort() {
     return extra ? extra->dualPort : nullptr;
@@ -137,14 +142,19 @@ void kalport::connect(kalnet* n) {
     }
     if (net && *net != *n) disconnect(net);
     net = n;
-    if (old && old != n) kalaccess::portLeft(old, this);
+    if (old && old != n) {
+        kalaccess::linkEnded(old, this);
+        kalaccess::portLeft(old, this);
+    }
 }
 
 void kalport::disconnect(kalnet* n) {
     if (!net || !n || !(*net == *n)) return;
     kalnet* old = net;
     if (n->isConnectedTo(this)) n->disconnect(this, true);
+    if (!net) return;  // the net's disconnect came back here and ended the link
     net = nullptr;
+    kalaccess::linkEnded(old, this);
     if (old != n) kalaccess::portLeft(old, this);
 }
 
@@ -224,21 +234,23 @@ kalport::~kalport() {
         delete extra->listedBy;
         extra->listedBy = nullptr;
     }
-    if (bus) bus->disconnect(this);
-    // A bit that a later bus took over (addPortbus links an existing port) is
-    // still in a slot of the bus it came from: no slot may outlive the port.
-    if (component && component->data)
-        for (auto& entry : component->data->portbuses)
-            if (entry.second) forgetBit(entry.second, this);
-    if (kaldualport* dp = getDualPort()) {
-        dp->removePort(kalpaths::portPath(this));
-        // The key can miss (a root component whose "Name" is not its instance
-        // name, a port listed twice): no entry may outlive the port.
-        kalaccess::forgetPort(dp, this);
+    // A net that took an equal twin off its list in this port's place still
+    // counts on clearing this link.
+    if (net) kalaccess::linkEnded(net, this);
+    if (bus) {  // as bus->disconnect(this): the first equal slot goes, maybe a twin's
+        kalbusties::emptySlot(bus, kalbusties::firstEqual(bus, this), this);
     }
-    kalduallists::portGone(this);  // dual ports other than its own may list it too
-    // An export partner must not keep pointing at a port that is gone.
-    kalunlisted::portGone(this);
+    kalbusties::memberGone(this);
+    if (kaldualport* dp = getDualPort()) dp->removePort(kalpaths::portPath(this));
+    // The key can miss (a root component whose "Name" is not its instance
+    // name, a port listed twice), and dual ports other than its own may list
+    // it too: no entry may outlive the port.
+    if (extra) {
+        const std::vector<kaldualport*> lists = std::move(extra->listers);
+        extra->listers.clear();
+        for (kaldualport* dp : lists)
+            kalaccess::forgetPort(dp, this);
+    }
     kalnames::release(name);
     if (!extra) return;
     if (kalport* to = extra->exportedTo; to && to->getExportedFrom() == this)
@@ -292,7 +304,7 @@ kalportbus::kalportbus(const std::string* name_, const std::string* secondName_,
     : component(nullptr),
       name(nullptr),
       secondName(nullptr),
-      text(nullptr),
+      extra(nullptr),
       bits(nullptr),
       direction(0),
       msb(0),
@@ -300,7 +312,7 @@ kalportbus::kalportbus(const std::string* name_, const std::string* secondName_,
     if (!name_ || !secondName_ || !validDirection(direction_)) return;
     name = kalnames::acquire(*name_);
     secondName = kalnames::acquire(*secondName_);
-    text = kaltext::copyOf(text_);
+    if (text_) more().text = kaltext::copyOf(text_);
     direction = direction_;
     msb = msb_;
     lsb = lsb_;
@@ -324,22 +336,17 @@ kalport* kalportbus::portAtIndex(unsigned int i) {
 
 void kalportbus::connect(unsigned int i, kalport* port) {
     kalport** s = slotOf(bits, i, msb, lsb);
-    if (s && port) *s = port;
+    if (s && port) kalbusties::fillSlot(this, static_cast<std::size_t>(s - bits->data()), port);
 }
 
 void kalportbus::disconnect(unsigned int i) {
     kalport** s = slotOf(bits, i, msb, lsb);
-    if (s) *s = nullptr;
+    if (s) kalbusties::emptySlot(this, static_cast<std::size_t>(s - bits->data()));
 }
 
 void kalportbus::disconnect(kalport* port) {
-    if (!port || !bits) return;
-    for (kalport*& p : *bits) {
-        if (p && *p == *port) {
-            p = nullptr;
-            return;
-        }
-    }
+    if (!port) return;
+    kalbusties::emptySlot(this, kalbusties::firstEqual(this, port));
 }
 
 bool kalportbus::hasConnectedPort() {
@@ -423,20 +430,25 @@ void kalportbus::removeAllAttributes(bool propagate) {
 }
 
 kalportbus::~kalportbus() {
-    if (bits) {
-        for (kalport* p : *bits)
-            if (p) p->unsetBus();
-        delete bits;
-    }
-    // Ports can point here from outside the slots: bits of a bus made without
-    // slots (a direction outside 1..3), or a bit whose slot connect() gave to
-    // another port. None may keep the link.
-    if (component && component->data)
-        for (auto& entry : component->data->ports)
-            if (entry.second && entry.second->getBus() == this) entry.second->unsetBus();
+    // Ports can point here from outside the slots too: bits of a bus made
+    // without slots (a direction outside 1..3), or a bit whose slot connect()
+    // gave to another port. None may keep the link.
+    kalbusties::busGone(this);
+    delete bits;
     kalnames::release(name);
     kalnames::release(secondName);
-    delete text;
+    if (extra) {
+        delete extra->text;
+        delete extra;
+    }
+}
+
+kalportbus::extras& kalportbus::more() {
+    if (!extra) extra = new extras();
+    return *extra;
+}
+std::vector<kalport*>* kalaccess::ties(kalportbus* b, bool make) {
+    return make || b->extra ? &b->more().ties : nullptr;
 }
 
 kalcomponent* kalportbus::getComponent() const {
@@ -449,7 +461,7 @@ const std::string* kalportbus::getSecondName() const {
     return secondName;
 }
 const std::string* kalportbus::getText() const {
-    return text;
+    return extra ? extra->text : nullptr;
 }
 std::vector<kalport*> kalportbus::getBits() const {
     return bits ? *bits : std::vector<kalport*>();
@@ -472,9 +484,6 @@ void kalportbus::setName(const std::string* n) {
 }
 void kalportbus::setSecondName(const std::string* n) {
     kalnames::reassign(secondName, n);
-}
-void kalportbus::clearBits() {
-    if (bits) bits->clear();
 }
 
 // ---- free queries that look through dual ports ----

@@ -5,6 +5,7 @@
 #include <set>
 #include <utility>
 
+#include "connectivity/busties.h"
 #include "design/handedback.h"
 #include "events/events.h"
 #include "events/paths.h"
@@ -162,18 +163,12 @@ void kaldesign::deleteDualPortBus(const std::string& name) {
     kaldualportbus* bus = getDualPortbus(name);
     if (!bus) return;
     const std::string key = name;
-    // Own names are taken first: a dual port that sits in two slots, or that an
-    // earlier member's own name deleted, is gone by the time its slot comes.
-    std::vector<std::pair<kaldualport*, std::string>> members;
-    for (kaldualport* dp : bus->getSlots())
-        if (dp) members.emplace_back(dp, dp->getName());
-    std::set<kaldualport*> gone;
-    for (auto& [dp, own] : members) {
-        if (!gone.count(dp)) dp->unsetBus();
-        bus->disconnect(dp);
-        if (kaldualport* victim = getDualPort(own)) gone.insert(victim);
+    // Each member leaves the bus before its own name is deleted; one that an
+    // earlier member's name deleted has left every slot by then.
+    kalbusties::drain(bus, [&](kaldualport* dp) {
+        const std::string own = dp->getName();
         deleteDualPort(own);
-    }
+    });
     data->getDualPortbusMap()->erase(key);
     delete bus;
 }

@@ -6,6 +6,7 @@
 #include "connectivity/access.h"
 #include "connectivity/roles.h"
 #include "connectivity/bits.h"
+#include "connectivity/busties.h"
 #include "design/handedback.h"
 #include "design/nameindex.h"
 #include "design/prune.h"
@@ -198,13 +199,11 @@ bool kaldesign::deleteNetbus(const std::string* name) {
     if (it == buses->end()) return false;
     const std::string busName = *name;
     kalnetbus* bus = it->second;
-    for (kalnet* bit : bus->getBits()) {
-        if (!bit) continue;
-        bit->unsetBus();
-        const std::string bitName = *bit->getName();
-        removeNet(&bitName);
-    }
-    kalaccess::clearBits(bus);
+    // A bit leaves the bus before it goes, so that removeNet does not take the bus with it.
+    kalbusties::drain(bus, [&](kalnet* bit) {
+        const kaltext::copied bitName(bit->getName());
+        removeNet(bitName.get());
+    });
     buses->erase(busName);
     delete bus;
     return true;
