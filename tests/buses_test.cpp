@@ -49,22 +49,13 @@ protected:
         }
     }
     // The owner's bit map, and the bus map.
-    std::map<std::string, const void*> keys() {
-        std::map<std::string, const void*> out;
-        if (nets())
-            out.insert(d->data->getNetMap()->begin(), d->data->getNetMap()->end());
-        else
-            out.insert(top->data->ports.begin(), top->data->ports.end());
-        return out;
+    using keymap = std::map<std::string, const void*>;
+    template <class Map>
+    static keymap keysOf(const Map& m) {
+        return keymap(m.begin(), m.end());
     }
-    std::map<std::string, const void*> busKeys() {
-        std::map<std::string, const void*> out;
-        if (nets())
-            out.insert(d->data->getNetbusMap()->begin(), d->data->getNetbusMap()->end());
-        else
-            out.insert(top->data->portbuses.begin(), top->data->portbuses.end());
-        return out;
-    }
+    keymap keys() { return nets() ? keysOf(*d->data->getNetMap()) : keysOf(top->data->ports); }
+    keymap busKeys() { return nets() ? keysOf(*d->data->getNetbusMap()) : keysOf(top->data->portbuses); }
     // Name and second name of the bus, then of each filled slot in slot order ("-" for an empty one).
     template <class Bus>
     static lines namesOf(Bus* b) {
