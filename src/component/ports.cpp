@@ -6,6 +6,7 @@
 #include "core/text.h"
 #include "connectivity/access.h"
 #include "connectivity/bits.h"
+#include "connectivity/busrename.h"
 #include "connectivity/busties.h"
 #include "kalcomponent.h"
 #include "kalport.h"
@@ -133,42 +134,26 @@ int kalcomponent::changePortbusName(const std::string* oldName, const std::strin
     auto it = buses.find(*oldName);
     if (it == buses.end() || buses.count(*newName)) return 0;
     const std::string from = *oldName, to = *newName;
-    kalportbus* bus = it->second;
-    buses.erase(it);
-    const std::vector<kalport*> slots = bus->getBits();
-    std::vector<std::string> names;
-    bool clash = false;
-    kalbits::forEachSlot(slots, bus->getMsb(), bus->getLsb(),
-                         [&](std::size_t, kalport* p, unsigned int index) {
-                             if (!p || clash) return;
-                             std::unique_ptr<std::string> n(kalutilities::constructBusBit(&to, index));
-                             if (data->ports.count(*n)) clash = true;
-                             names.push_back(*n);
-                         });
-    if (clash) {
-        buses.emplace(from, bus);
-        return 0;
-    }
-    std::size_t next = 0;
-    for (kalport* p : slots) {
-        if (!p) continue;
-        const std::string& bitName = names[next++];
-        if (p->getName()) {
-            data->ports.erase(*p->getName());
-        } else {  // an empty port taken over as a bit: its key is all there is
-            for (auto at = data->ports.begin(); at != data->ports.end(); ++at)
+    // The bits are keyed in the port map. An empty port taken over as a bit
+    // has no name to find its entry by: its key is all there is.
+    struct portKeys {
+        std::map<std::string, kalport*>& ports;
+        bool taken(const std::string& name) { return ports.count(name) != 0; }
+        void drop(kalport* p) {
+            if (p->getName()) {
+                ports.erase(*p->getName());
+                return;
+            }
+            for (auto at = ports.begin(); at != ports.end(); ++at)
                 if (at->second == p) {
-                    data->ports.erase(at);
-                    break;
+                    ports.erase(at);
+                    return;
                 }
         }
-        kalaccess::setName(p, &bitName);
-        kalaccess::setSecondName(p, &bitName);
-        data->ports.emplace(bitName, p);
-    }
-    buses.emplace(to, bus);
-    kalaccess::setName(bus, &to);
-    kalaccess::setSecondName(bus, &to);
+        void add(const std::string& name, kalport* p) { ports.emplace(name, p); }
+    };
+    kalportbus* bus = it->second;
+    if (!kalbusrename::apply(buses, it, from, to, portKeys{data->ports})) return 0;
     sendRename("portbus", bus->getComponent(), from, to);
     return 1;
 }

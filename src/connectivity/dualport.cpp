@@ -10,6 +10,7 @@
 #include "connectivity/access.h"
 #include "connectivity/bits.h"
 #include "connectivity/busties.h"
+#include "connectivity/propagate.h"
 #include "events/paths.h"
 #include "kalcomponent.h"
 #include "kaldesign.h"
@@ -233,35 +234,21 @@ int kaldualportbus::direction() const {
 // The propagating forms reach only filled slots; callers use them on complete buses.
 void kaldualportbus::setAttribute(const std::string* name_, const std::string* value,
                                   const std::string* vendor, bool propagate) {
-    kalattributes::setAttribute(name_, value, vendor);
-    if (!propagate) return;
-    for (kaldualport* member : slotVector) {
-        if (member) member->setAttribute(name_, value, vendor);
-    }
+    kalpropagate::apply(*this, &slotVector, propagate,
+                        [&](kalattributes& a) { a.setAttribute(name_, value, vendor); });
 }
 
 void kaldualportbus::setAttributeValue(const std::string* name_, const std::string* value, bool propagate) {
-    kalattributes::setAttributeValue(name_, value);
-    if (!propagate) return;
-    for (kaldualport* member : slotVector) {
-        if (member) member->setAttributeValue(name_, value);
-    }
+    kalpropagate::apply(*this, &slotVector, propagate,
+                        [&](kalattributes& a) { a.setAttributeValue(name_, value); });
 }
 
 void kaldualportbus::removeAttribute(const std::string* name_, bool propagate) {
-    kalattributes::removeAttribute(name_);
-    if (!propagate) return;
-    for (kaldualport* member : slotVector) {
-        if (member) member->removeAttribute(name_);
-    }
+    kalpropagate::apply(*this, &slotVector, propagate, [&](kalattributes& a) { a.removeAttribute(name_); });
 }
 
 void kaldualportbus::removeAllAttributes(bool propagate) {
-    kalattributes::removeAllAttributes();
-    if (!propagate) return;
-    for (kaldualport* member : slotVector) {
-        if (member) member->removeAllAttributes();
-    }
+    kalpropagate::apply(*this, &slotVector, propagate, [&](kalattributes& a) { a.removeAllAttributes(); });
 }
 
 struct kaldualportbus::extras {

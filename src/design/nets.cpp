@@ -6,6 +6,7 @@
 #include "connectivity/access.h"
 #include "connectivity/roles.h"
 #include "connectivity/bits.h"
+#include "connectivity/busrename.h"
 #include "connectivity/busties.h"
 #include "design/handedback.h"
 #include "design/nameindex.h"
@@ -77,35 +78,15 @@ bool kaldesign::changeNetbusName(const std::string* oldName, const std::string* 
     auto it = buses->find(*oldName);
     if (it == buses->end()) return false;
     const std::string from = *oldName, to = *newName;
+    // The bits are keyed in the net map, each under its own name.
+    struct netKeys {
+        kalnetindex& nets;
+        bool taken(const std::string& name) { return nets.contains(name); }
+        void drop(kalnet* bit) { nets.erase(*bit->getName()); }
+        void add(const std::string& name, kalnet* bit) { nets.emplace(name, bit); }
+    };
     kalnetbus* bus = it->second;
-    buses->erase(it);
-
-    const std::vector<kalnet*> slots = bus->getBits();
-    std::vector<std::string> names;
-    bool clash = false;
-    kalbits::forEachSlot(slots, bus->getMsb(), bus->getLsb(),
-                         [&](std::size_t, kalnet* bit, unsigned int index) {
-                             if (!bit || clash) return;
-                             std::unique_ptr<std::string> n(kalutilities::constructBusBit(&to, index));
-                             if (nets.contains(*n)) clash = true;
-                             names.push_back(*n);
-                         });
-    if (clash) {
-        buses->emplace(from, bus);
-        return false;
-    }
-    std::size_t next = 0;
-    for (kalnet* bit : slots) {
-        if (!bit) continue;
-        const std::string& bitName = names[next++];
-        nets.erase(*bit->getName());
-        kalaccess::setName(bit, &bitName);
-        kalaccess::setSecondName(bit, &bitName);
-        nets.emplace(bitName, bit);
-    }
-    buses->emplace(to, bus);
-    kalaccess::setName(bus, &to);
-    kalaccess::setSecondName(bus, &to);
+    if (!kalbusrename::apply(*buses, it, from, to, netKeys{nets})) return false;
 
     // A bus without slots fails here, after the rename, as it always has. An
     // empty first slot (its net destroyed while another bus held it too)
