@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <vector>
 
+#include "core/keys.h"
 #include "core/text.h"
 #include "connectivity/bits.h"
 #include "design/prune.h"
@@ -24,7 +25,7 @@ void markChanged(kalcomponent* enclosing) {
 
 std::string topNameFor(const std::string* topName, const kalcomponent* inner, const std::string& innerName) {
     if (topName && !topName->empty()) return *topName;
-    return kalpaths::instanceName(inner) + "_" + innerName;
+    return kalkeys::exportName(inner, innerName);
 }
 
 // Removes a net from its design under the export rule; true when it is gone.

@@ -9,8 +9,8 @@
 #include "connectivity/propagate.h"
 #include "connectivity/unlisted.h"
 #include "core/names.h"
+#include "core/keys.h"
 #include "core/text.h"
-#include "events/paths.h"
 #include "kalcomponent.h"
 #include "kaldualport.h"
 #include "kalnet.h"
@@ -231,7 +231,7 @@ kalport::~kalport() {
         for (auto& entry : component->data->portbuses)
             if (entry.second) forgetBit(entry.second, this);
     if (kaldualport* dp = getDualPort()) {
-        dp->removePort(kalpaths::portPath(this));
+        dp->removePort(kalkeys::memberName(this));
         // The key can miss (a root component whose "Name" is not its instance
         // name, a port listed twice): no entry may outlive the port.
         kalaccess::forgetPort(dp, this);
