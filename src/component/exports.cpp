@@ -4,11 +4,11 @@
 #include <algorithm>
 #include <vector>
 
+#include "core/keys.h"
 #include "core/text.h"
 #include "connectivity/bits.h"
 #include "design/prune.h"
-#include "events/events.h"
-#include "events/paths.h"
+#include "events/records.h"
 #include "kalcomponent.h"
 #include "kaldesign.h"
 #include "kalnet.h"
@@ -24,7 +24,7 @@ void markChanged(kalcomponent* enclosing) {
 
 std::string topNameFor(const std::string* topName, const kalcomponent* inner, const std::string& innerName) {
     if (topName && !topName->empty()) return *topName;
-    return kalpaths::instanceName(inner) + "_" + innerName;
+    return kalkeys::exportName(inner, innerName);
 }
 
 // Removes a net from its design under the export rule; true when it is gone.
@@ -52,11 +52,7 @@ int exportPort(kalport* port, const std::string& path, const std::string* netArg
         net->connect(port, false);
         net->connect(top, false);
         port->exportTo(top);
-        kalevents::emit("export", "add", [&](kalevents::record& r) {
-            r.set("port", path);
-            r.set("topport", kalpaths::portPath(enclosing, topPortName));
-            r.set("net", kalpaths::designPath(design, topPortName));
-        });
+        kalrecords::portExported(path, enclosing, design, topPortName);
     }
     markChanged(enclosing);
     return 1;
@@ -83,11 +79,7 @@ int exportPortbus(kalportbus* bus, const std::string& path, const std::string* n
         bus->connectToNetbus(netbus);
         if (topBus) topBus->connectToNetbus(netbus);
         bus->exportTo(topBus);
-        kalevents::emit("export", "add", [&](kalevents::record& r) {
-            r.set("portbus", path);
-            r.set("topportbus", kalpaths::portPath(enclosing, topPortName));
-            r.set("netbus", kalpaths::designPath(netbus ? netbus->getDesign() : design, topPortName));
-        });
+        kalrecords::portbusExported(path, enclosing, netbus ? netbus->getDesign() : design, topPortName);
     }
     markChanged(enclosing);
     return 1;
@@ -107,18 +99,13 @@ int unexportPort(kalport* port) {
     // component's design it counts as a top port there.
     const std::string portName = kaltext::orEmpty(port->getName());
     kalcomponent* topOwner = top->getComponent();
-    const std::string topPath = topOwner ? kalpaths::portPath(top) : std::string();
-    const std::string netPath =
-        net ? kalpaths::designPath(design ? design : net->getDesign(), kaltext::orEmpty(topPortName.get()))
-            : std::string();
+    const kaldesign* netDesign = net ? (design ? design : net->getDesign()) : nullptr;
+    const bool hadNet = net != nullptr;
     if (topOwner) topOwner->removePort(topPortName.get());
     const bool netGone = !net || dropIfDangling(net);
     markChanged(enclosing);
-    kalevents::emit("export", "rem", [&](kalevents::record& r) {
-        if (netGone) r.set("net", netPath);
-        r.set("port", portName);
-        r.set("topport", topPath);
-    });
+    kalrecords::portUnexported(portName, topOwner, kaltext::orEmpty(topPortName.get()), netDesign, hadNet,
+                               netGone);
     return 1;
 }
 
@@ -153,8 +140,7 @@ int unexportPortbus(kalportbus* bus) {
     kaldesign* design = inner ? inner->parentDesign : nullptr;
     kalcomponent* enclosing = design ? design->owner : nullptr;
     const kaltext::copied topBusName(topBus->getName());
-    const std::string netbusPath =
-        kalpaths::designPath(netbus->getDesign(), kaltext::orEmpty(topBusName.get()));  // before its bits go
+    const kaldesign* netbusDesign = netbus->getDesign();  // before its bits go
     const unsigned int width = kalbits::width(topBus->getMsb(), topBus->getLsb());
     // Pruning a net removes the top ports on it, and with them whole port
     // buses: this bus, or the top bus itself when the instance sits in its own
@@ -162,8 +148,6 @@ int unexportPortbus(kalportbus* bus) {
     // bit is visited only while the top bus still holds it.
     const std::string busName = kaltext::orEmpty(bus->getName());
     kalcomponent* topOwner = topBus->getComponent();
-    const std::string topPath =
-        kalpaths::portPath(topOwner ? topOwner : enclosing, kaltext::orEmpty(topBusName.get()));
     auto stillHeld = [&](kalport* bit) {
         if (!topOwner) return true;  // no component can take a bus without one apart
         kalportbus* now = topOwner->getPortbus(topBusName.get(), false);
@@ -182,11 +166,8 @@ int unexportPortbus(kalportbus* bus) {
     }
     if (topOwner) topOwner->deletePortbus(topBusName.get());
     markChanged(enclosing);
-    kalevents::emit("export", "rem", [&](kalevents::record& r) {
-        if (removed == width) r.set("netbus", netbusPath);
-        r.set("portbus", busName);
-        r.set("topportbus", topPath);
-    });
+    kalrecords::portbusUnexported(busName, topOwner ? topOwner : enclosing,
+                                  kaltext::orEmpty(topBusName.get()), netbusDesign, removed == width);
     return 1;
 }
 

@@ -91,22 +91,9 @@ kalportbus* kalcomponent::getPortbus(const std::string* name, bool hierarchical)
 }
 
 #include "connectivity/bits.h"
-#include "events/events.h"
-#include "events/paths.h"
+#include "events/records.h"
 #include "kaldesign.h"
 #include "kalnet.h"
-
-namespace {
-
-void sendRename(const char* category, const kalcomponent* owner, const std::string& from,
-                const std::string& to) {
-    kalevents::emit(category, "rnm", [&](kalevents::record& r) {
-        r.set("oname", kalpaths::portPath(owner, from));
-        r.set("nname", kalpaths::portPath(owner, to));
-    });
-}
-
-}  // namespace
 
 int kalcomponent::changePortName(const std::string* oldName, const std::string* newName) {
     if (!oldName || !newName || oldName->empty() || newName->empty()) return 0;
@@ -123,7 +110,7 @@ int kalcomponent::changePortName(const std::string* oldName, const std::string* 
     }
     kalaccess::setName(port, &to);
     kalaccess::setSecondName(port, &to);
-    sendRename("port", port->getComponent(), from, to);
+    kalrecords::portRenamed(port->getComponent(), from, to);
     return 1;
 }
 
@@ -154,7 +141,7 @@ int kalcomponent::changePortbusName(const std::string* oldName, const std::strin
     };
     kalportbus* bus = it->second;
     if (!kalbusrename::apply(buses, it, from, to, portKeys{data->ports})) return 0;
-    sendRename("portbus", bus->getComponent(), from, to);
+    kalrecords::portbusRenamed(bus->getComponent(), from, to);
     return 1;
 }
 
@@ -164,14 +151,14 @@ int kalcomponent::removePort(const std::string* name) {
     if (it == data->ports.end()) return 0;
     const std::string portName = *name;  // may be the port's own name
     kalport* port = it->second;
-    const std::string path = kalpaths::portPath(port->getComponent(), portName);
+    const kalcomponent* owner = port->getComponent();
     if (kalportbus* bus = port->getBus()) {
         const kaltext::copied busName(bus->getName());
         removePortbus(busName.get());
     }
     data->ports.erase(portName);
     delete port;
-    kalevents::emit("port", "rem", "topport", path);
+    kalrecords::portRemoved(owner, portName);
     return 1;
 }
 
@@ -182,22 +169,14 @@ int kalcomponent::removePortbus(const std::string* name) {
     const std::string busName = *name;
     kalportbus* bus = it->second;
     const std::vector<kalport*> bits = bus->getBits();
-    const std::string path = kalpaths::portPath(bus->getComponent(), busName);
+    const kalcomponent* owner = bus->getComponent();
     data->portbuses.erase(it);
     delete bus;  // the bits stay as scalar ports, their bus links cleared
-    kalevents::emit("portbus", "rem", "topportbus", path);
+    kalrecords::portbusRemoved(owner, busName);
     for (kalport* bit : bits) {
         kalnet* net = bit ? bit->getNet() : nullptr;
         if (!net) continue;
-        kalevents::emit("net", "add", [&](kalevents::record& r) {
-            r.set("net", kalpaths::designPath(net->getDesign(), *net->getName()));
-            for (kalport* p : net->getPorts()) {
-                if (p->getComponent() && !p->getComponent()->parentDesign) {
-                    r.set("topport", kalpaths::portPath(p));
-                    break;
-                }
-            }
-        });
+        kalrecords::netAdded(net);
     }
     return 1;
 }

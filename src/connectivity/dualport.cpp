@@ -11,7 +11,7 @@
 #include "connectivity/bits.h"
 #include "connectivity/busties.h"
 #include "connectivity/propagate.h"
-#include "events/paths.h"
+#include "core/keys.h"
 #include "kalcomponent.h"
 #include "kaldesign.h"
 #include "kalnet.h"
@@ -55,7 +55,7 @@ bool memberNameIs(const kalport* port, const std::string& wanted) {
     const kalcomponent* c = port->getComponent();
     std::string prefix;
     if (c && c->parentDesign) {
-        prefix = kalpaths::instanceName(c);
+        prefix = kalkeys::instanceName(c);
     } else if (c && c->identity) {
         const std::string* name = c->identity->getAttributeValue(&nameKey);
         if (name) prefix = *name;

@@ -11,8 +11,7 @@
 #include "design/handedback.h"
 #include "core/text.h"
 #include "connectivity/roles.h"
-#include "events/events.h"
-#include "events/paths.h"
+#include "events/records.h"
 #include "kalcomponent.h"
 #include "kaldesign.h"
 #include "kalelements.h"
@@ -143,10 +142,7 @@ void kalnet::disconnect(kalport* port, bool flag) {
     kalaccess::netUnlisted(listed, this);
     if (listed != port) kalaccess::twinUnlisted(this, listed);  // it keeps its link
     port->disconnect(this);
-    kalevents::emit("connect", "rem", [&](kalevents::record& r) {
-        r.set("net", kalpaths::designPath(design, kaltext::orEmpty(getName())));
-        r.set("port", kalpaths::portPathInDesign(port));
-    });
+    kalrecords::portLeftNet(this, port);
     if (flag) markClockSource(port, 2);
 }
 

@@ -8,8 +8,8 @@
 #include "connectivity/busties.h"
 #include "connectivity/propagate.h"
 #include "core/names.h"
+#include "core/keys.h"
 #include "core/text.h"
-#include "events/paths.h"
 #include "kalcomponent.h"
 #include "kaldualport.h"
 #include "kalnet.h"
@@ -241,7 +241,7 @@ kalport::~kalport() {
         kalbusties::emptySlot(bus, kalbusties::firstEqual(bus, this), this);
     }
     kalbusties::memberGone(this);
-    if (kaldualport* dp = getDualPort()) dp->removePort(kalpaths::portPath(this));
+    if (kaldualport* dp = getDualPort()) dp->removePort(kalkeys::memberName(this));
     // The key can miss (a root component whose "Name" is not its instance
     // name, a port listed twice), and dual ports other than its own may list
     // it too: no entry may outlive the port.

@@ -3,8 +3,7 @@
 // with the net pruned when it no longer joins a driver to a receiver.
 #include "core/text.h"
 #include "design/prune.h"
-#include "events/events.h"
-#include "events/paths.h"
+#include "events/records.h"
 #include "kalcomponent.h"
 #include "kaldesign.h"
 #include "kalnet.h"
@@ -19,11 +18,7 @@ bool kaldesign::connect(const std::string* netName, const std::string* portName,
     kalnet* net = getNet(netName);
     if (!net || !port || net->isConnectedTo(port)) return false;
     net->connect(port, true);
-    kalevents::emit("net", "add", [&](kalevents::record& r) {
-        r.set("net", kalpaths::designPath(net->getDesign(), *net->getName()));
-        if (port->getComponent() && !port->getComponent()->parentDesign)
-            r.set("topport", kalpaths::portPath(port));
-    });
+    kalrecords::netAdded(net, port);
     return true;
 }
 

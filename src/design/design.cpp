@@ -7,8 +7,7 @@
 #include "design/handedback.h"
 #include "design/instanceorder.h"
 #include "design/nameindex.h"
-#include "events/events.h"
-#include "events/paths.h"
+#include "events/records.h"
 #include "kalcomponent.h"
 #include "kaldesign.h"
 #include "kaldualport.h"
@@ -214,9 +213,7 @@ bool kaldesign::addInstance(std::string* name, kalcomponent* component) {
     kalaccess::setInstanceName(component, *name);
     component->parentDesign = this;
     data->instanceOrder->append(component);
-    kalevents::emit("design", "add", [&](kalevents::record& r) {
-        r.set("instance", kalpaths::designPath(this, *component->data->instanceName));
-    });
+    kalrecords::instanceAdded(this, *component->data->instanceName);
     return true;
 }
 

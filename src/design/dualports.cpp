@@ -7,8 +7,7 @@
 
 #include "connectivity/busties.h"
 #include "design/handedback.h"
-#include "events/events.h"
-#include "events/paths.h"
+#include "events/records.h"
 #include "kalcomponent.h"
 #include "kaldesign.h"
 #include "kaldualport.h"
@@ -24,21 +23,6 @@ typename Map::mapped_type find(Map* m, const std::string& name) {
     if (name.empty()) return nullptr;
     auto it = m->find(name);
     return it == m->end() ? nullptr : it->second;
-}
-
-// Records of this area need both an event object and an owner to go out; an
-// object created for a design without owner stays with the service unsent.
-template <class Fill>
-void announce(const kaldesign* d, const char* category, const char* action, Fill fill) {
-    kalevents::record r(category, action);
-    if (!r || !d->owner) return;
-    fill(r);
-    r.send();
-}
-
-void announce(const kaldesign* d, const char* category, const char* action, const char* key,
-              const std::string& value) {
-    announce(d, category, action, [&](kalevents::record& r) { r.set(key, value); });
 }
 
 }  // namespace
@@ -57,7 +41,7 @@ void kaldesign::insertDualPort(const std::string& name, kaldualport* dualPort) {
     kalhandback::forget(dualPort);  // it may come back from a design that handed it out
     kalaccess::setDesign(dualPort, this);
     map->emplace(name, dualPort);
-    announce(this, "dualpin", "add", "dualpin", kalpaths::dualPortPath(this, name));
+    kalrecords::dualPortAdded(this, name);
 }
 
 namespace {
@@ -74,7 +58,7 @@ void addToDualPort(kaldesign* d, const std::string& name, Add add) {
         add(it->second);
     }
     if (!map->count(name)) return;
-    announce(d, "dualpin", "add", "dualpin", kalpaths::dualPortPath(d, name));
+    kalrecords::dualPortAdded(d, name);
 }
 }  // namespace
 
@@ -95,7 +79,7 @@ bool kaldesign::insertDualPortBus(const std::string& name, kaldualportbus* bus) 
     kalhandback::forget(bus);
     kalaccess::setDesign(bus, this);
     map->emplace(name, bus);
-    announce(this, "dualpinbus", "add", "dualpinbus", name);
+    kalrecords::dualPortbusAdded(this, name);
     return true;
 }
 
@@ -113,12 +97,8 @@ void kaldesign::removePortFromDualPort(const std::string& dualPortName, kalport*
     if (!dp) return;
     const std::string key = dualPortName;  // may be the dual port's own name
     kalnet* net = getNetConnectedToPortOrDualPort(port);
-    const std::string netPath = net ? kalpaths::designPath(net->getDesign(), *net->getName()) : std::string();
-    dp->removePort(getRelativeHierarchyName(port));
-    announce(this, "dualpin", "remove", [&](kalevents::record& r) {
-        r.set("dualpin", net ? netPath : kalpaths::dualPortPath(this, key));
-        r.set("port", port ? kalpaths::designPortPath(port) : std::string());
-    });
+    dp->removePort(getRelativeHierarchyName(port));  // frees no net: the record may read it after
+    kalrecords::dualPortLostPort(this, key, net, port);
     dissolveIfSingle(this, key, dp);
 }
 
@@ -156,7 +136,7 @@ void kaldesign::removeDualPortBus(const std::string& name) {
         if (it->second) kalhandback::note(this, it->second);
         map->erase(it);
     }
-    announce(this, "dualpinbus", "remove", "dualpinbus", given);
+    kalrecords::dualPortbusRemoved(this, given);
 }
 
 void kaldesign::deleteDualPortBus(const std::string& name) {

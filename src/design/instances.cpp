@@ -7,8 +7,7 @@
 #include "design/instanceorder.h"
 #include "design/nameindex.h"
 #include "design/prune.h"
-#include "events/events.h"
-#include "events/paths.h"
+#include "events/records.h"
 #include "kalcomponent.h"
 #include "kaldesign.h"
 #include "kalnet.h"
@@ -21,7 +20,6 @@ bool kaldesign::removeInstance(const std::string* name) {
     if (it == data->getInstanceMap()->end()) return false;
     const std::string instanceName = *name;  // may be the instance's own name string
     kalcomponent* instance = it->second;
-    const std::string path = kalpaths::designPath(this, instanceName);
 
     std::vector<kalport*> ports;
     ports.reserve(instance->data->ports.size());
@@ -53,6 +51,6 @@ bool kaldesign::removeInstance(const std::string* name) {
     data->instanceOrder->remove(instance);
     delete instance;
     instances.erase(instanceName);
-    kalevents::emit("design", "remove", [&](kalevents::record& r) { r.set("instance", path); });
+    kalrecords::instanceRemoved(this, instanceName);
     return true;
 }

@@ -11,24 +11,12 @@
 #include "design/handedback.h"
 #include "design/nameindex.h"
 #include "design/prune.h"
-#include "events/events.h"
-#include "events/paths.h"
+#include "events/records.h"
 #include "kalcomponent.h"
 #include "kaldesign.h"
 #include "kalnet.h"
 #include "kalport.h"
 #include "kalutilities.h"
-
-namespace {
-
-void sendRename(const char* category, const kaldesign* d, const std::string& from, const std::string& to) {
-    kalevents::emit(category, "rnm", [&](kalevents::record& r) {
-        r.set("oname", kalpaths::designPath(d, from));
-        r.set("nname", kalpaths::designPath(d, to));
-    });
-}
-
-}  // namespace
 
 bool kaldesign::removeNetbus(const std::string* name) {
     if (!name) return false;
@@ -36,14 +24,14 @@ bool kaldesign::removeNetbus(const std::string* name) {
     if (!buses) return true;  // called back while the design is torn down
     auto it = buses->find(*name);
     if (it == buses->end()) return true;
-    const std::string path = kalpaths::designPath(this, *name);  // name may belong to the bus
+    const std::string busName = *name;  // name may belong to the bus
     kalnetbus* bus = it->second;
     buses->erase(it);
     if (bus) {
         kalaccess::markHandedBack(bus);
         kalhandback::note(this, bus);
     }
-    kalevents::emit("netbus", "rem", "netbus", path);
+    kalrecords::netbusRemoved(this, busName);
     return true;
 }
 
@@ -66,7 +54,7 @@ bool kaldesign::changeNetName(const std::string* oldName, const std::string* new
         const kaltext::copied portName(top->getName());
         top->getComponent()->changePortName(portName.get(), &to);
     }
-    sendRename("net", net->getDesign(), from, to);
+    kalrecords::netRenamed(net->getDesign(), from, to);
     return true;
 }
 
@@ -99,7 +87,7 @@ bool kaldesign::changeNetbusName(const std::string* oldName, const std::string* 
         const kaltext::copied busName(portbus->getName());
         top->getComponent()->changePortbusName(busName.get(), &to);
     }
-    sendRename("netbus", bus->getDesign(), from, to);
+    kalrecords::netbusRenamed(bus->getDesign(), from, to);
     return true;
 }
 
@@ -150,7 +138,7 @@ bool kaldesign::removeNet(const std::string* name) {
             c->removePort(portName.get());
         }
     }
-    kalevents::emit("net", "rem", "net", kalpaths::designPath(net->getDesign(), netName));
+    kalrecords::netRemoved(net->getDesign(), netName);
     nets.erase(netName);
     kalnetbus* bus = net->getBus();
     // A bus handed back by removeNetbus is the caller's: no longer the design's to drop.
@@ -161,12 +149,11 @@ bool kaldesign::removeNet(const std::string* name) {
             if (bit && !bit->getPorts().empty()) ++connected;
         if (connected == 1) {
             const std::string busName = *bus->getName();
-            const std::string path = kalpaths::designPath(bus->getDesign(), busName);
-            kaldesign* owning = bus->getDesign() ? bus->getDesign() : this;
+            kaldesign* busDesign = bus->getDesign();
+            kaldesign* owning = busDesign ? busDesign : this;
             owning->removeNetbus(&busName);
             delete bus;
-            kalevents::emit("netbus", "rem", "netbus",
-                            path);  // the bus is reported a second time, as consumers expect
+            kalrecords::netbusRemoved(busDesign, busName);  // reported a second time, as consumers expect
         }
     }
     delete net;

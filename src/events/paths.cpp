@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "events/paths.h"
 
+#include "core/keys.h"
 #include "kalcomponent.h"
 #include "kaldesign.h"
 #include "kalport.h"
@@ -32,12 +33,8 @@ std::string join(const std::string& a, const char* sep, const std::string& b) {
 
 }  // namespace
 
-std::string instanceName(const kalcomponent* component) {
-    return component && component->data ? text(component->data->instanceName) : std::string();
-}
-
 std::string portPath(const kalcomponent* owner, const std::string& name) {
-    return join(instanceName(owner), "/", name);
+    return kalkeys::memberName(owner, name);
 }
 
 std::string portPath(const kalport* port) {
@@ -47,7 +44,7 @@ std::string portPath(const kalport* port) {
 std::string portPathInDesign(const kalport* port) {
     const kalcomponent* c = port->getComponent();
     if (!c || !c->parentDesign) return portPath(port);
-    return join(instanceName(c->parentDesign->owner), "/", portPath(port));
+    return join(kalkeys::instanceName(c->parentDesign->owner), "/", portPath(port));
 }
 
 std::string designPortPath(const kalport* port) {
@@ -58,14 +55,14 @@ std::string designPortPath(const kalport* port) {
 
 std::string designPath(const kaldesign* design, const std::string& name) {
     const std::string& designName = nameAttribute(design ? design->identity : nullptr);
-    std::string out = instanceName(ownerOf(design));
+    std::string out = kalkeys::instanceName(ownerOf(design));
     out.append("::").append(designName).append("/").append(name);
     return out;
 }
 
 std::string dualPortPath(const kaldesign* design, const std::string& name) {
     const kalcomponent* owner = ownerOf(design);
-    std::string out = instanceName(owner);
+    std::string out = kalkeys::instanceName(owner);
     out.append("::").append(nameAttribute(owner ? owner->identity : nullptr)).append("/").append(name);
     return out;
 }

@@ -12,10 +12,8 @@ class kalport;
 
 namespace kalpaths {
 
-// The component's instanceName, or "" when it has none.
-std::string instanceName(const kalcomponent* component);
-
-// "u1/a": owner's instanceName + "/" + name.
+// "u1/a": owner's instanceName + "/" + name, the format of a dual port's
+// member key.
 std::string portPath(const kalcomponent* owner, const std::string& name);
 std::string portPath(const kalport* port);
 

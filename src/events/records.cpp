@@ -1,0 +1,186 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "events/records.h"
+
+#include "core/text.h"
+#include "events/events.h"
+#include "events/paths.h"
+#include "kalcomponent.h"
+#include "kaldesign.h"
+#include "kalnet.h"
+#include "kalport.h"
+
+namespace kalrecords {
+
+namespace {
+
+bool isTopPort(const kalport* port) {
+    return port->getComponent() && !port->getComponent()->parentDesign;
+}
+
+// Dual port records need an owner as well as an object; an object created
+// for a design without owner stays with the service unsent.
+template <class Fill>
+void announce(const kaldesign* design, const char* category, const char* action, Fill fill) {
+    kalevents::record r(category, action);
+    if (!r || !design->owner) return;
+    fill(r);
+    r.send();
+}
+
+}  // namespace
+
+// ---- instances ----
+
+void instanceAdded(const kaldesign* design, const std::string& instanceName) {
+    kalevents::emit("design", "add", [&](kalevents::record& r) {
+        r.set("instance", kalpaths::designPath(design, instanceName));
+    });
+}
+
+void instanceRemoved(const kaldesign* design, const std::string& instanceName) {
+    kalevents::emit("design", "remove", [&](kalevents::record& r) {
+        r.set("instance", kalpaths::designPath(design, instanceName));
+    });
+}
+
+// ---- nets and net buses ----
+
+void netAdded(const kalnet* net, const kalport* port) {
+    kalevents::emit("net", "add", [&](kalevents::record& r) {
+        r.set("net", kalpaths::designPath(net->getDesign(), *net->getName()));
+        if (isTopPort(port)) r.set("topport", kalpaths::portPath(port));
+    });
+}
+
+void netAdded(const kalnet* net) {
+    kalevents::emit("net", "add", [&](kalevents::record& r) {
+        r.set("net", kalpaths::designPath(net->getDesign(), *net->getName()));
+        for (const kalport* p : net->getPorts()) {
+            if (isTopPort(p)) {
+                r.set("topport", kalpaths::portPath(p));
+                break;
+            }
+        }
+    });
+}
+
+void netRemoved(const kaldesign* design, const std::string& name) {
+    kalevents::emit("net", "rem",
+                    [&](kalevents::record& r) { r.set("net", kalpaths::designPath(design, name)); });
+}
+
+void netRenamed(const kaldesign* design, const std::string& from, const std::string& to) {
+    kalevents::emit("net", "rnm", [&](kalevents::record& r) {
+        r.set("oname", kalpaths::designPath(design, from));
+        r.set("nname", kalpaths::designPath(design, to));
+    });
+}
+
+void netbusRemoved(const kaldesign* design, const std::string& name) {
+    kalevents::emit("netbus", "rem",
+                    [&](kalevents::record& r) { r.set("netbus", kalpaths::designPath(design, name)); });
+}
+
+void netbusRenamed(const kaldesign* design, const std::string& from, const std::string& to) {
+    kalevents::emit("netbus", "rnm", [&](kalevents::record& r) {
+        r.set("oname", kalpaths::designPath(design, from));
+        r.set("nname", kalpaths::designPath(design, to));
+    });
+}
+
+void portLeftNet(const kalnet* net, const kalport* port) {
+    kalevents::emit("connect", "rem", [&](kalevents::record& r) {
+        r.set("net", kalpaths::designPath(net->getDesign(), kaltext::orEmpty(net->getName())));
+        r.set("port", kalpaths::portPathInDesign(port));
+    });
+}
+
+// ---- component ports ----
+
+void portRemoved(const kalcomponent* owner, const std::string& name) {
+    kalevents::emit("port", "rem",
+                    [&](kalevents::record& r) { r.set("topport", kalpaths::portPath(owner, name)); });
+}
+
+void portRenamed(const kalcomponent* owner, const std::string& from, const std::string& to) {
+    kalevents::emit("port", "rnm", [&](kalevents::record& r) {
+        r.set("oname", kalpaths::portPath(owner, from));
+        r.set("nname", kalpaths::portPath(owner, to));
+    });
+}
+
+void portbusRemoved(const kalcomponent* owner, const std::string& name) {
+    kalevents::emit("portbus", "rem",
+                    [&](kalevents::record& r) { r.set("topportbus", kalpaths::portPath(owner, name)); });
+}
+
+void portbusRenamed(const kalcomponent* owner, const std::string& from, const std::string& to) {
+    kalevents::emit("portbus", "rnm", [&](kalevents::record& r) {
+        r.set("oname", kalpaths::portPath(owner, from));
+        r.set("nname", kalpaths::portPath(owner, to));
+    });
+}
+
+// ---- exports ----
+
+void portExported(const std::string& path, const kalcomponent* enclosing, const kaldesign* design,
+                  const std::string& topName) {
+    kalevents::emit("export", "add", [&](kalevents::record& r) {
+        r.set("port", path);
+        r.set("topport", kalpaths::portPath(enclosing, topName));
+        r.set("net", kalpaths::designPath(design, topName));
+    });
+}
+
+void portbusExported(const std::string& path, const kalcomponent* enclosing, const kaldesign* design,
+                     const std::string& topName) {
+    kalevents::emit("export", "add", [&](kalevents::record& r) {
+        r.set("portbus", path);
+        r.set("topportbus", kalpaths::portPath(enclosing, topName));
+        r.set("netbus", kalpaths::designPath(design, topName));
+    });
+}
+
+void portUnexported(const std::string& portName, const kalcomponent* topOwner, const std::string& topName,
+                    const kaldesign* netDesign, bool hadNet, bool netGone) {
+    kalevents::emit("export", "rem", [&](kalevents::record& r) {
+        if (netGone) r.set("net", hadNet ? kalpaths::designPath(netDesign, topName) : std::string());
+        r.set("port", portName);
+        r.set("topport", topOwner ? kalpaths::portPath(topOwner, topName) : std::string());
+    });
+}
+
+void portbusUnexported(const std::string& busName, const kalcomponent* topOwner, const std::string& topName,
+                       const kaldesign* netbusDesign, bool netbusGone) {
+    kalevents::emit("export", "rem", [&](kalevents::record& r) {
+        if (netbusGone) r.set("netbus", kalpaths::designPath(netbusDesign, topName));
+        r.set("portbus", busName);
+        r.set("topportbus", kalpaths::portPath(topOwner, topName));
+    });
+}
+
+// ---- dual ports ----
+
+void dualPortAdded(const kaldesign* design, const std::string& name) {
+    announce(design, "dualpin", "add",
+             [&](kalevents::record& r) { r.set("dualpin", kalpaths::dualPortPath(design, name)); });
+}
+
+void dualPortbusAdded(const kaldesign* design, const std::string& name) {
+    announce(design, "dualpinbus", "add", [&](kalevents::record& r) { r.set("dualpinbus", name); });
+}
+
+void dualPortLostPort(const kaldesign* design, const std::string& name, const kalnet* net,
+                      const kalport* port) {
+    announce(design, "dualpin", "remove", [&](kalevents::record& r) {
+        r.set("dualpin", net ? kalpaths::designPath(net->getDesign(), *net->getName())
+                             : kalpaths::dualPortPath(design, name));
+        r.set("port", port ? kalpaths::designPortPath(port) : std::string());
+    });
+}
+
+void dualPortbusRemoved(const kaldesign* design, const std::string& name) {
+    announce(design, "dualpinbus", "remove", [&](kalevents::record& r) { r.set("dualpinbus", name); });
+}
+
+}  // namespace kalrecords
