@@ -7,8 +7,9 @@
 namespace {
 
 // Elements of an unordered_map keep their address across rehashing, so the
-// key strings can be handed out. Separate models may live on separate
-// threads, hence the lock.
+// key strings can be handed out. This is the one table that separate models
+// share, and they may live on separate threads, hence the lock
+// (tests/threads_test.cpp fails without it).
 struct table {
     std::mutex lock;
     std::unordered_map<std::string, std::size_t> counts;
