@@ -124,7 +124,9 @@ int kalcomponent::changePortbusName(const std::string* oldName, const std::strin
     // The bits are keyed in the port map. An empty port taken over as a bit
     // has no name to find its entry by: its key is all there is.
     struct portKeys {
+        kalcomponent* owner;
         std::map<std::string, kalport*>& ports;
+        bool owns(const kalport* p) const { return p->getComponent() == owner; }
         bool taken(const std::string& name) { return ports.count(name) != 0; }
         void drop(kalport* p) {
             if (p->getName()) {
@@ -140,7 +142,7 @@ int kalcomponent::changePortbusName(const std::string* oldName, const std::strin
         void add(const std::string& name, kalport* p) { ports.emplace(name, p); }
     };
     kalportbus* bus = it->second;
-    if (!kalbusrename::apply(buses, it, from, to, portKeys{data->ports})) return 0;
+    if (!kalbusrename::apply(buses, it, from, to, portKeys{this, data->ports})) return 0;
     kalrecords::portbusRenamed(bus->getComponent(), from, to);
     return 1;
 }

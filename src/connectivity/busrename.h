@@ -38,7 +38,7 @@ bool apply(BusMap& buses, typename BusMap::iterator at, const std::string& from,
                          [&](std::size_t, auto* bit, unsigned int index) {
                              if (!bit || clash) return;
                              std::unique_ptr<std::string> n(kalutilities::constructBusBit(&to, index));
-                             if (keys.taken(*n)) clash = true;
+                             if (keys.owns(bit) && keys.taken(*n)) clash = true;
                              names.push_back(*n);
                          });
     if (clash) {
@@ -49,6 +49,9 @@ bool apply(BusMap& buses, typename BusMap::iterator at, const std::string& from,
     for (auto* bit : slots) {
         if (!bit) continue;
         const std::string& bitName = names[next++];
+        // A member of another owner (a bus slot can be given to any port or
+        // net) is keyed in its own owner's map: it keeps its name and key.
+        if (!keys.owns(bit)) continue;
         keys.drop(bit);
         kalaccess::setName(bit, &bitName);
         kalaccess::setSecondName(bit, &bitName);

@@ -68,13 +68,15 @@ bool kaldesign::changeNetbusName(const std::string* oldName, const std::string* 
     const std::string from = *oldName, to = *newName;
     // The bits are keyed in the net map, each under its own name.
     struct netKeys {
+        const kaldesign* design;
         kalnetindex& nets;
+        bool owns(const kalnet* bit) const { return bit->getDesign() == design && bit->getName(); }
         bool taken(const std::string& name) { return nets.contains(name); }
         void drop(kalnet* bit) { nets.erase(*bit->getName()); }
         void add(const std::string& name, kalnet* bit) { nets.emplace(name, bit); }
     };
     kalnetbus* bus = it->second;
-    if (!kalbusrename::apply(*buses, it, from, to, netKeys{nets})) return false;
+    if (!kalbusrename::apply(*buses, it, from, to, netKeys{this, nets})) return false;
 
     // A bus without slots fails here, after the rename, as it always has. An
     // empty first slot (its net destroyed while another bus held it too)
@@ -98,7 +100,11 @@ bool kaldesign::changeNetBusRange(const std::string* name, unsigned int first, u
     if (first == bus->getMsb() && last == bus->getLsb()) return true;
     kalnetindex& nets = *data->netIndex;
     const std::string busName = *name;
-    const std::vector<kalnet*> slots = bus->getBits();
+    // Nets of another design (a bus slot can be given to any net) are keyed
+    // in their own design's index: they keep their names, like empty slots.
+    std::vector<kalnet*> slots = bus->getBits();
+    for (kalnet*& bit : slots)
+        if (bit && (bit->getDesign() != this || !bit->getName())) bit = nullptr;
     std::vector<std::unique_ptr<std::string>> fresh(slots.size());
     kalbits::forEachSlot(slots, first, last, [&](std::size_t k, kalnet* bit, unsigned int index) {
         if (!bit) return;
