@@ -154,3 +154,39 @@ TEST(busties_components, port_in_a_bus_of_another_component) {
 }
 
 }  // namespace
+
+// Renaming a bus, or moving its range, re-keys only its owner's members: a
+// port of another component, or a net of another design, given a slot keeps
+// its name and its key at home, and both owners free what is theirs.
+TEST(busties_components, renames_leave_members_of_another_owner_alone) {
+    std::string v = "v", l = "l", ver = "1", a = "a", bn = "b", q = "q", r = "r", p = "p", rtl = "rtl",
+                n = "n", w = "w", w2 = "w2", empty = "";
+    auto* owner = new kalcomponent(&v, &l, &a, &ver);
+    auto* lender = new kalcomponent(&v, &l, &bn, &ver);
+    owner->addPortbus(&q, &q, 1, 0, 2, nullptr);
+    lender->addPort(&p, &p, 2, nullptr);
+    kalport* lent = lender->getPort(&p, false);
+    owner->getPortbus(&q, false)->connect(1, lent);
+    EXPECT_EQ(owner->changePortbusName(&q, &r), 1);
+    EXPECT_EQ(*lent->getName(), "p");
+    EXPECT_EQ(lender->getPort(&p, false), lent);
+    std::string r1 = "r[1]";
+    EXPECT_EQ(owner->getPort(&r1, false), nullptr);
+    std::string r0 = "r[0]";
+    EXPECT_NE(owner->getPort(&r0, false), nullptr);  // bit 0 is the owner's own
+
+    owner->createDesign(&v, &l, &rtl, &ver);
+    lender->createDesign(&v, &l, &rtl, &ver);
+    kaldesign* mine = owner->getDesign(&rtl);
+    kaldesign* theirs = lender->getDesign(&rtl);
+    mine->addNetbus(&w, &empty, &w, 1, 0, nullptr);
+    theirs->addNet(&n, &n, &empty, nullptr);
+    kalnet* borrowed = theirs->getNet(&n);
+    mine->getNetbus(&w)->connect(0, borrowed);
+    mine->changeNetbusName(&w, &w2);
+    mine->changeNetBusRange(&w2, 3, 2);
+    EXPECT_EQ(*borrowed->getName(), "n");
+    EXPECT_EQ(theirs->getNet(&n), borrowed);
+    release(lender);
+    release(owner);
+}
