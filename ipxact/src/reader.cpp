@@ -1625,6 +1625,14 @@ loadResult finish(resolver& r, const std::string& top) {
     return res;
 }
 
+// A load that stopped: its message and the warnings gathered up to then.
+loadResult failed(resolver& r, const loadFailure& f) {
+    loadResult res;
+    res.error = f.m;
+    res.warnings = std::move(r.warnings);
+    return res;
+}
+
 }  // namespace
 }  // namespace detail
 
@@ -1639,10 +1647,7 @@ loadResult loadDocuments(const std::vector<std::pair<std::string, std::string>>&
             r.add(doc.first, doc.second, [source] { return *source; });
         }
     } catch (detail::loadFailure& f) {
-        loadResult res;
-        res.error = f.m;
-        res.warnings = std::move(r.warnings);
-        return res;
+        return detail::failed(r, f);
     }
     return detail::finish(r, top);
 }
@@ -1693,10 +1698,7 @@ loadResult load(const std::string& folder, const std::string& top, const progres
             if (progress) progress("scan", ++n, paths.size());
         }
     } catch (detail::loadFailure& f) {
-        loadResult res;
-        res.error = f.m;
-        res.warnings = std::move(r.warnings);
-        return res;
+        return detail::failed(r, f);
     }
     return detail::finish(r, top);
 }
