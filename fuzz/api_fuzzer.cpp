@@ -532,27 +532,6 @@ private:
         }
     }
 
-    // A net bus whose range moved onto names that other nets hold keeps bit
-    // nets that no map reaches any more; like any caller, we free those.
-    void adoptUnmappedBits(const std::vector<scope>& designs) {
-        std::set<kalnet*> unmapped;  // a net can be a bit of two buses
-        for (const scope& s : designs) {
-            for (auto& b : *s.design->data->getNetbusMap()) {
-                for (kalnet* bit : b.second->getBits()) {
-                    // A bus may hold nets of other designs (kalnetbus::connect): each is looked up at home.
-                    if (!bit || !bit->getName() || !bit->getDesign()) continue;
-                    auto* nets = bit->getDesign()->data->getNetMap();
-                    auto it = nets->find(*bit->getName());
-                    if (it == nets->end() || it->second != bit) unmapped.insert(bit);
-                }
-            }
-        }
-        for (kalnet* bit : unmapped) {
-            trace("    freeing unmapped bit net %s\n", show(bit->getName()));
-            delete bit;
-        }
-    }
-
     // The dual port buses in the designs' maps. One that left its map during
     // an operation without being destroyed (removeDualPortBus, or a dying
     // member that took it out) is ours to free.
@@ -645,7 +624,6 @@ private:
         std::set<kalcomponent*> live;
         walk(top, &after, &live);
         walkKept(live);
-        adoptUnmappedBits(after);
         adoptDroppedDualBuses(before, destroyed, withKept(after));
         settleLedger(live);
     }

@@ -10,6 +10,7 @@
 
 using portlist = std::vector<kalport*>;
 using lines = std::vector<std::string>;
+using ptrs = std::vector<const void*>;
 
 class netmodel : public modeltest {
 protected:
@@ -113,10 +114,17 @@ TEST_F(netmodel, names_texts_and_small_lists_in_every_state) {
     top->addNet(S("e[3]"), S("e[3]"), S(""), nullptr);
     top->addNet(S("e[2]"), S("e[2]"), S(""), nullptr);
     kalnet *hi = d->getNet(S("e[1]")), *lo = d->getNet(S("e[0]"));
+    kalnet* held = d->getNet(S("e[3]"));
     ASSERT_TRUE(d->changeNetBusRange(S("e"), 3, 2));
     EXPECT_EQ((lines{*hi->getName(), *hi->getSecondName()}), (lines{"e[3]", "e[1]"}));
-    delete hi;  // unreachable by name; takes the bus along
-    delete lo;
+    EXPECT_EQ(d->getNet(S("e[3]")), held);
+    // A move onto fresh names is refused, and its roll-back keys the bits under
+    // the names they carry: the nets that held those keys lose them. The design
+    // frees all four with itself, keyed or not (leak-checked under ASan).
+    EXPECT_FALSE(d->changeNetBusRange(S("e"), 5, 4));
+    EXPECT_EQ((ptrs{d->getNet(S("e[3]")), d->getNet(S("e[2]"))}), (ptrs{hi, lo}));
+    EXPECT_EQ(*held->getName(), "e[3]");
+    EXPECT_MODEL_OK(top);
     top->addNet(S("s"), S("s2"), S(""), S("t"));
     kalnet* s = d->getNet(S("s"));
     ASSERT_TRUE(d->changeNetName(S("s"), s->getSecondName()));

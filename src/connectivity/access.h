@@ -55,6 +55,9 @@ struct kalaccess {
     static void setName(kalnet* n, const std::string* s) { n->setName(s); }
     static void setSecondName(kalnet* n, const std::string* s) { n->setSecondName(s); }
     static kalportlist portList(kalnet* n) { return kalportlist(n->ports); }
+    // Whether the net is among its design's unkeyed nets (design/handedback.h).
+    static bool unkeyed(const kalnet* n);
+    static void setUnkeyed(kalnet* n, bool unkeyed);
 
     static void setDesign(kalnetbus* b, kaldesign* d) { b->setDesign(d); }
     static void setName(kalnetbus* b, const std::string* s) { b->setName(s); }

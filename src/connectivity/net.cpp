@@ -78,12 +78,14 @@ struct kalnet::extras {
     // Equal twins that the net took off its list in another port's place: they
     // still point here, and lose that link when the net dies.
     std::vector<kalport*> unlisted;
+    bool unkeyed = false;  // in its design's unkeyed nets (design/handedback.h)
     ~extras() {
         delete second;
         delete text;
     }
     bool plain() const {
-        return !nameless && !secondless && !second && !text && busTies.empty() && unlisted.empty();
+        return !nameless && !secondless && !second && !text && busTies.empty() && unlisted.empty() &&
+               !unkeyed;
     }
 };
 
@@ -94,6 +96,15 @@ std::vector<kalnetbus*>* kalaccess::ties(kalnet* n, bool make) {
 void kalaccess::twinUnlisted(kalnet* net, kalport* twin) {
     // A twin whose link already moved on has nothing here to clear.
     if (twin->getNet() == net) net->more().unlisted.push_back(twin);
+}
+
+bool kalaccess::unkeyed(const kalnet* n) {
+    return n->extra && n->extra->unkeyed;
+}
+void kalaccess::setUnkeyed(kalnet* n, bool unkeyed) {
+    if (!unkeyed && !n->extra) return;
+    n->more().unkeyed = unkeyed;
+    n->tidy();
 }
 
 void kalaccess::linkEnded(kalnet* net, const kalport* p) {
@@ -231,6 +242,7 @@ kalnet::~kalnet() {
         }
     }
     kalbusties::memberGone(this);  // a bus kept by the caller, or buses other than its own
+    if (kalaccess::unkeyed(this)) kalhandback::forget(this);
     delete extra;
 }
 

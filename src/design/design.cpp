@@ -59,6 +59,7 @@ kaldesigndata::~kaldesigndata() {
     destroyAll(netbusMap);
     delete netIndex;
     destroyAll(netMap);
+    kalhandback::freeUnkeyed(this);  // the nets no key reached
     delete instanceIndex;
     destroyAll(instanceMap);
     delete instanceOrder;

@@ -14,6 +14,12 @@ struct kalhandedback {
     std::set<kaldualportbus*> dualPortbuses;
     std::set<kalcomponent*> instances;
     std::set<kaldesign*> designs;
+    std::set<kalnet*> unkeyed;
+
+    bool empty() const {
+        return netbuses.empty() && dualPorts.empty() && dualPortbuses.empty() && instances.empty() &&
+               designs.empty() && unkeyed.empty();
+    }
 };
 
 namespace {
@@ -27,12 +33,17 @@ template <class T>
 void drop(kalhandedback*& slot, std::set<T*> kalhandedback::*kind, T* object) {
     if (!slot) return;
     (slot->*kind).erase(object);
-    const kalhandedback& r = *slot;
-    if (r.netbuses.empty() && r.dualPorts.empty() && r.dualPortbuses.empty() && r.instances.empty() &&
-        r.designs.empty()) {
+    if (slot->empty()) {
         delete slot;
         slot = nullptr;
     }
+}
+
+// The net's map entry, if a key reaches it: only a net keyed under its own
+// name counts (the library keys no net otherwise).
+bool keyed(kaldesign* design, kalnet* net) {
+    const std::string* name = net->getName();
+    return name && design->getNet(name) == net;
 }
 
 }  // namespace
@@ -88,6 +99,12 @@ void kalhandback::ownerGone(kaldesign* design) {
         if (b->getDesign() == design) kalaccess::setDesign(b, nullptr);
     for (kalcomponent* c : r->instances)
         if (c->parentDesign == design) c->parentDesign = nullptr;
+    // The unkeyed nets are still the design's, freed with its contents.
+    if (!r->unkeyed.empty()) {
+        kalhandedback* kept = new kalhandedback();
+        kept->unkeyed.swap(r->unkeyed);
+        design->data->handedBack = kept;
+    }
     delete r;
 }
 
@@ -98,4 +115,36 @@ void kalhandback::ownerGone(kalcomponentdata* data) {
     for (kaldesign* d : r->designs)
         d->owner = nullptr;
     delete r;
+}
+
+void kalhandback::settleKeys(kaldesign* design, const std::vector<kalnet*>& touched) {
+    kalhandedback** s = slotOf(design);
+    if (!s) return;
+    for (kalnet* net : touched) {
+        if (!net || net->getDesign() != design) continue;
+        const bool lost = !keyed(design, net);
+        if (lost == kalaccess::unkeyed(net)) continue;
+        kalaccess::setUnkeyed(net, lost);
+        if (lost)
+            record(*s).unkeyed.insert(net);
+        else
+            drop(*s, &kalhandedback::unkeyed, net);
+    }
+}
+
+void kalhandback::forget(kalnet* net) {
+    kalaccess::setUnkeyed(net, false);
+    if (kalhandedback** s = slotOf(net->getDesign())) drop(*s, &kalhandedback::unkeyed, net);
+}
+
+void kalhandback::freeUnkeyed(kaldesigndata* data) {
+    kalhandedback* r = data->handedBack;
+    if (!r) return;
+    data->handedBack = nullptr;
+    const std::set<kalnet*> nets = std::move(r->unkeyed);
+    delete r;
+    for (kalnet* net : nets) {
+        kalaccess::setUnkeyed(net, false);
+        delete net;
+    }
 }

@@ -6,13 +6,22 @@
 // createDesign). The former owner lists them, so that when it dies it clears
 // their links to it instead of leaving them dangling; an object that dies
 // first, or is placed anew, leaves the list. Each pair is updated here only,
-// so the two ends cannot drift. The list exists only while it has entries.
+// so the two ends cannot drift.
+//
+// The same record keeps the design's unkeyed nets: bit nets that a bus
+// rename or range change moved onto names other nets hold, and nets whose
+// key such a move erased. No name reaches them, yet the design owns them and
+// frees them with itself. The record exists only while it has entries.
 #ifndef KALDATA_SRC_DESIGN_HANDEDBACK_H
 #define KALDATA_SRC_DESIGN_HANDEDBACK_H
 
+#include <vector>
+
 class kalcomponent;
 class kalcomponentdata;
+class kaldesigndata;
 class kaldesign;
+class kalnet;
 class kalnetbus;
 class kaldualport;
 class kaldualportbus;
@@ -37,6 +46,16 @@ struct kalhandback {
     // The owner dies: every object it handed back loses its link to it.
     static void ownerGone(kaldesign* design);
     static void ownerGone(kalcomponentdata* data);
+
+    // After a re-keying of the design's net map: each of `touched` (nulls and
+    // nets of other designs are passed over) joins the unkeyed nets when no
+    // key names it, and leaves them when one does.
+    static void settleKeys(kaldesign* design, const std::vector<kalnet*>& touched);
+    // An unkeyed net dies before its design.
+    static void forget(kalnet* net);
+    // The design's contents are being destroyed, its net map already gone:
+    // frees the unkeyed nets.
+    static void freeUnkeyed(kaldesigndata* data);
 
 private:
     // The owner's record; null for an owner being torn down.

@@ -67,16 +67,25 @@ bool kaldesign::changeNetbusName(const std::string* oldName, const std::string* 
     if (it == buses->end()) return false;
     const std::string from = *oldName, to = *newName;
     // The bits are keyed in the net map, each under its own name.
+    // A bit that no key reached erases the key of the net holding its name:
+    // both are settled afterwards.
     struct netKeys {
         const kaldesign* design;
         kalnetindex& nets;
+        std::vector<kalnet*>& touched;
         bool owns(const kalnet* bit) const { return bit->getDesign() == design && bit->getName(); }
         bool taken(const std::string& name) { return nets.contains(name); }
-        void drop(kalnet* bit) { nets.erase(*bit->getName()); }
+        void drop(kalnet* bit) {
+            touched.push_back(nets.lookup(bit->getName()));
+            touched.push_back(bit);
+            nets.erase(*bit->getName());
+        }
         void add(const std::string& name, kalnet* bit) { nets.emplace(name, bit); }
     };
     kalnetbus* bus = it->second;
-    if (!kalbusrename::apply(*buses, it, from, to, netKeys{this, nets})) return false;
+    std::vector<kalnet*> touched;
+    if (!kalbusrename::apply(*buses, it, from, to, netKeys{this, nets, touched})) return false;
+    kalhandback::settleKeys(this, touched);
 
     // A bus without slots fails here, after the rename, as it always has. An
     // empty first slot (its net destroyed while another bus held it too)
@@ -106,9 +115,13 @@ bool kaldesign::changeNetBusRange(const std::string* name, unsigned int first, u
     for (kalnet*& bit : slots)
         if (bit && (bit->getDesign() != this || !bit->getName())) bit = nullptr;
     std::vector<std::unique_ptr<std::string>> fresh(slots.size());
+    // The bits, and the nets whose keys they erase (a bit no key reached
+    // shares its name with the net holding the key): settled at the end.
+    std::vector<kalnet*> touched(slots.begin(), slots.end());
     kalbits::forEachSlot(slots, first, last, [&](std::size_t k, kalnet* bit, unsigned int index) {
         if (!bit) return;
         fresh[k].reset(kalutilities::constructBusBit(&busName, index));
+        touched.push_back(nets.lookup(bit->getName()));
         nets.erase(*bit->getName());
     });
     // Proceeds only when every new name is already a key (held by other nets).
@@ -116,14 +129,16 @@ bool kaldesign::changeNetBusRange(const std::string* name, unsigned int first, u
         if (!n || nets.contains(*n)) continue;
         for (kalnet* bit : slots)
             if (bit) nets.emplace(*bit->getName(), bit);
+        kalhandback::settleKeys(this, touched);
         return false;
     }
     for (std::size_t k = 0; k < slots.size(); ++k) {
         if (!slots[k]) continue;
         kalaccess::setName(slots[k], fresh[k].get());
-        nets.emplace(*fresh[k], slots[k]);  // a taken key keeps its present entry
+        nets.emplace(*fresh[k], slots[k]);  // a taken key keeps its present entry: the bit is unkeyed
     }
     kalaccess::setRange(bus, first, last);
+    kalhandback::settleKeys(this, touched);
     return true;
 }
 
