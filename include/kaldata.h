@@ -18,5 +18,6 @@
 #include "kalelements.h"
 #include "kalgenerators.h"
 #include "kalversion.h"
+#include "kalverify.h"
 
 #endif

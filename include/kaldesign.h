@@ -272,6 +272,7 @@ private:
 
     friend class kaldesign;
     friend struct kalhandback;
+    friend class kalverify;
 
 public:
     /// Empty containers.

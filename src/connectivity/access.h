@@ -46,6 +46,10 @@ struct kalaccess {
     static void twinUnlisted(kalnet* net, kalport* twin);
     // The port's link to the net ends: the net no longer clears it.
     static void linkEnded(kalnet* net, const kalport* p);
+    // For kalverify: the nets that still list a port whose link moved on, and
+    // the twins a net took off its list (null without a side record).
+    static const std::vector<kalnet*>* listedBy(const kalport* p);
+    static const std::vector<kalport*>* twins(const kalnet* n);
 
     static void setComponent(kalportbus* b, kalcomponent* c) { b->setComponent(c); }
     static void setName(kalportbus* b, const std::string* n) { b->setName(n); }

@@ -98,6 +98,10 @@ void kalaccess::twinUnlisted(kalnet* net, kalport* twin) {
     if (twin->getNet() == net) net->more().unlisted.push_back(twin);
 }
 
+const std::vector<kalport*>* kalaccess::twins(const kalnet* n) {
+    return n->extra ? &n->extra->unlisted : nullptr;
+}
+
 bool kalaccess::unkeyed(const kalnet* n) {
     return n->extra && n->extra->unkeyed;
 }

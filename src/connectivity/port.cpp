@@ -62,6 +62,9 @@ kalport::extras& kalport::more() {
 std::vector<kalportbus*>* kalaccess::ties(kalport* p, bool make) {
     return make || p->extra ? &p->more().busTies : nullptr;
 }
+const std::vector<kalnet*>* kalaccess::listedBy(const kalport* p) {
+    return p->extra ? p->extra->listedBy : nullptr;
+}
 std::vector<kaldualport*>* kalaccess::listers(kalport* p, bool make) {
     return make || p->extra ? &p->more().listers : nullptr;
 }

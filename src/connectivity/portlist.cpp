@@ -254,3 +254,23 @@ void kalportlist::markStray() {
     // From now on this list scans; a scan must not meet holes.
     if (b->big->holes) compact();
 }
+
+const char* kalportlist::problem() const {
+    if (!present()) return nullptr;
+    kalport* const* s = slots();
+    const std::uint32_t n = used();
+    const std::uint32_t nulls = static_cast<std::uint32_t>(std::count(s, s + n, nullptr));
+    if (nulls != holes()) return "its hole count is not the number of empty slots";
+    if (n && !s[n - 1]) return "its last slot is a hole";
+    if (!indexed()) return nulls ? "it scans a list with holes" : nullptr;
+    if (big()->strays) return "it indexes a list with strays";
+    if (big()->index.size() != n - nulls) return "its index has not one entry per port";
+    std::vector<bool> seen(n, false);
+    for (const auto& entry : big()->index) {
+        const std::uint32_t i = entry.second;
+        if (i >= n || !s[i] || seen[i]) return "its index names a slot that is empty, gone or named twice";
+        if (entry.first != key(s[i])) return "its index holds a port under a stale key";
+        seen[i] = true;
+    }
+    return nullptr;
+}

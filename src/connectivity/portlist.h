@@ -70,6 +70,10 @@ public:
     // A listed port no longer points back to this net.
     void markStray();
 
+    // What is wrong with the storage or the index, or null (for kalverify).
+    const char* problem() const;
+    bool isIndexed() const { return indexed(); }
+
 private:
     struct block;
     struct large;

@@ -148,3 +148,24 @@ void kalhandback::freeUnkeyed(kaldesigndata* data) {
         delete net;
     }
 }
+
+void kalhandback::verify(kaldesign* design, std::vector<std::string>& out) {
+    const kalhandedback* r = design->data->handedBack;
+    if (!r) return;
+    if (r->empty()) out.push_back("an empty handed-back record is kept");
+    for (kalnetbus* b : r->netbuses)
+        if (b->getDesign() != design || !kalaccess::handedBack(b))
+            out.push_back("a handed-back net bus no longer names the design, or lost its mark");
+    for (kaldualport* p : r->dualPorts)
+        if (p->getDesign() != design) out.push_back("a handed-back dual port no longer names the design");
+    for (kaldualportbus* b : r->dualPortbuses)
+        if (b->getDesign() != design) out.push_back("a handed-back dual port bus no longer names the design");
+    for (kalcomponent* c : r->instances)
+        if (c->parentDesign != design) out.push_back("a handed-back instance no longer names the design");
+    for (kalnet* n : r->unkeyed) {
+        const std::string name = n->getName() ? *n->getName() : std::string("<no name>");
+        if (n->getDesign() != design) out.push_back("unkeyed net " + name + " is of another design");
+        if (!kalaccess::unkeyed(n)) out.push_back("unkeyed net " + name + " lacks its mark");
+        if (keyed(design, n)) out.push_back("unkeyed net " + name + " is reached by its key");
+    }
+}

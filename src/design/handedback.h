@@ -15,6 +15,7 @@
 #ifndef KALDATA_SRC_DESIGN_HANDEDBACK_H
 #define KALDATA_SRC_DESIGN_HANDEDBACK_H
 
+#include <string>
 #include <vector>
 
 class kalcomponent;
@@ -56,6 +57,11 @@ struct kalhandback {
     // The design's contents are being destroyed, its net map already gone:
     // frees the unkeyed nets.
     static void freeUnkeyed(kaldesigndata* data);
+
+    // Appends what is wrong with the design's record (for kalverify): an
+    // entry whose link no longer names the design, an unkeyed net that a key
+    // reaches or that lacks its mark.
+    static void verify(kaldesign* design, std::vector<std::string>& out);
 
 private:
     // The owner's record; null for an owner being torn down.

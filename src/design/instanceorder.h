@@ -19,6 +19,9 @@ struct kalinstanceorder {
     void append(kalcomponent* instance);
     void remove(kalcomponent* instance);
     void clear();
+    // What is wrong with the index, or null (for kalverify). A stale index
+    // (the list's length changed from outside) is rebuilt before use: not wrong.
+    const char* problem() const;
 
 private:
     void rebuild();

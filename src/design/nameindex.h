@@ -29,6 +29,9 @@ struct kalnameindex {
     bool emplace(const std::string& name, T* value);
     void erase(typename map_t::iterator at);
     void erase(const std::string& name);
+    // What is wrong with the index, or null (for kalverify). A stale index
+    // (the map's size changed from outside) is rebuilt before use: not wrong.
+    const char* problem();
     void clear() {
         entries.clear();
         slots.clear();
@@ -158,6 +161,24 @@ template <class T>
 void kalnameindex<T>::erase(const std::string& name) {
     auto it = find(name);
     if (it != entries.end()) erase(it);
+}
+
+template <class T>
+const char* kalnameindex<T>::problem() {
+    if (count != entries.size() || (slots.empty() && !entries.empty())) return nullptr;
+    std::size_t used = 0;
+    for (const slot& s : slots) {
+        if (s.at == entries.end()) continue;
+        ++used;
+        if (s.hash != hashOf(s.at->first)) return "a slot's hash is not its name's";
+    }
+    if (used != count) return "its slot count is not its entry count";
+    bool lastFound = last == entries.end();
+    for (auto it = entries.begin(); it != entries.end(); ++it) {
+        if (find(it->first) != it) return "a name of the map is not found at its entry";
+        lastFound = lastFound || it == last;
+    }
+    return lastFound ? nullptr : "its insertion hint is not an entry of the map";
 }
 
 #endif
