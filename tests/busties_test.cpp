@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "kaldata.h"
+#include "support/checker.h"
 #include "support/release.h"
 
 namespace {
@@ -187,6 +188,42 @@ TEST(busties_components, renames_leave_members_of_another_owner_alone) {
     mine->changeNetBusRange(&w2, 3, 2);
     EXPECT_EQ(*borrowed->getName(), "n");
     EXPECT_EQ(theirs->getNet(&n), borrowed);
+    release(lender);
+    release(owner);
+}
+
+// Deleting a bus removes each member by its name, and that name may reach a
+// different member that still links to the bus without a slot (a foreign
+// namesake took its slot): removing that one removes the bus as well, which
+// ends the deletion instead of reading the freed bus.
+TEST(busties_components, delete_stops_when_a_namesake_takes_the_bus_along) {
+    std::string v = "v", l = "l", ver = "1", a = "a", bn = "b", q = "q", q1 = "q[1]", q0 = "q[0]",
+                rtl = "rtl", empty = "";
+    auto* owner = new kalcomponent(&v, &l, &a, &ver);
+    auto* lender = new kalcomponent(&v, &l, &bn, &ver);
+    owner->addPortbus(&q, &q, 1, 0, 2, nullptr);
+    lender->addPort(&q1, &q1, 2, nullptr);
+    owner->getPortbus(&q, false)->connect(1, lender->getPort(&q1, false));  // owner's q[1] keeps its link
+    EXPECT_EQ(owner->deletePortbus(&q), 1);
+    EXPECT_EQ(owner->getPortbus(&q, false), nullptr);
+    EXPECT_EQ(owner->getPort(&q1, false), nullptr);
+    ASSERT_NE(owner->getPort(&q0, false), nullptr);  // left as a scalar port by the bus's removal
+    EXPECT_EQ(owner->getPort(&q0, false)->getBus(), nullptr);
+    EXPECT_NE(lender->getPort(&q1, false), nullptr);
+
+    owner->createDesign(&v, &l, &rtl, &ver);
+    lender->createDesign(&v, &l, &rtl, &ver);
+    kaldesign* mine = owner->getDesign(&rtl);
+    kaldesign* theirs = lender->getDesign(&rtl);
+    mine->addNetbus(&q, &empty, &q, 1, 0, nullptr);
+    theirs->addNet(&q1, &q1, &empty, nullptr);
+    mine->getNetbus(&q)->connect(1, theirs->getNet(&q1));  // bit 1: mine keeps its link
+    EXPECT_TRUE(mine->deleteNetbus(&q));
+    EXPECT_EQ(mine->getNetbus(&q), nullptr);
+    EXPECT_EQ(mine->getNet(&q1), nullptr);
+    EXPECT_NE(theirs->getNet(&q1), nullptr);
+    EXPECT_MODEL_OK(owner);
+    EXPECT_MODEL_OK(lender);
     release(lender);
     release(owner);
 }

@@ -189,11 +189,19 @@ int kalcomponent::deletePortbus(const std::string* name) {
     if (it == data->portbuses.end()) return 0;
     const std::string busName = *name;
     kalportbus* bus = it->second;
-    // A bit leaves the bus before it goes, so that removePort does not take the bus with it.
-    kalbusties::drain(bus, [&](kalport* bit) {
+    // A bit leaves the bus before it goes, so that removePort does not take the
+    // bus with it. The port a bit's name reaches may be another one that still
+    // links to the bus: removing it removes the bus (with its record), which
+    // ends the work here.
+    const auto registered = [&] {
+        auto at = data->portbuses.find(busName);
+        return at != data->portbuses.end() && at->second == bus;
+    };
+    const bool kept = kalbusties::drain(bus, registered, [&](kalport* bit) {
         const kaltext::copied bitName(bit->getName());
         removePort(bitName.get());
     });
+    if (!kept) return 1;
     data->portbuses.erase(busName);
     delete bus;
     return 1;

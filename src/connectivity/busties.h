@@ -142,7 +142,25 @@ void release(B* bus, M* m) {
 
 // Hands the members to `handle` one at a time, each released from the bus
 // first, so that `handle` may destroy it (and others of the bus with it); a
-// member in two slots comes once.
+// member in two slots comes once. `handle` may also destroy the bus itself
+// (a port or net that still links to it without a slot goes and takes its bus
+// along): `registered` says whether the bus is still in its owner's map, and
+// the drain stops, answering false, once it is not.
+template <class B, class Registered, class Handle>
+bool drain(B* bus, Registered registered, Handle handle) {
+    for (;;) {
+        if (!registered()) return false;
+        auto* slots = kalaccess::slots(bus);
+        if (!slots) return true;
+        auto at = std::find_if(slots->begin(), slots->end(), [](const auto* m) { return m != nullptr; });
+        if (at == slots->end()) return true;
+        auto* m = *at;
+        release(bus, m);
+        handle(m);
+    }
+}
+
+// As above, for a bus that no handler can destroy.
 template <class B, class Handle>
 void drain(B* bus, Handle handle) {
     for (;;) {

@@ -188,11 +188,18 @@ bool kaldesign::deleteNetbus(const std::string* name) {
     if (it == buses->end()) return false;
     const std::string busName = *name;
     kalnetbus* bus = it->second;
-    // A bit leaves the bus before it goes, so that removeNet does not take the bus with it.
-    kalbusties::drain(bus, [&](kalnet* bit) {
+    // A bit leaves the bus before it goes, so that removeNet does not take the
+    // bus with it. The net a bit's name reaches may be another one that still
+    // links to the bus: removing it destroys the bus too, which ends the work here.
+    const auto registered = [&] {
+        auto at = buses->find(busName);
+        return at != buses->end() && at->second == bus;
+    };
+    const bool kept = kalbusties::drain(bus, registered, [&](kalnet* bit) {
         const kaltext::copied bitName(bit->getName());
         removeNet(bitName.get());
     });
+    if (!kept) return true;
     buses->erase(busName);
     delete bus;
     return true;
