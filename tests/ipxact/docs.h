@@ -59,6 +59,12 @@ inline std::string component(const std::string& name, const std::string& ports,
     return s + "</ipxact:component>\n";
 }
 
+// A parameter value that an instance sets, for instance().
+inline std::string configured(const std::string& id, const std::string& value) {
+    return "<ipxact:configurableElementValue referenceId=\"" + id + "\">" + value +
+           "</ipxact:configurableElementValue>";
+}
+
 inline std::string instance(const std::string& name, const std::string& comp,
                             const std::string& values = "") {
     std::string inner = values.empty() ? ""

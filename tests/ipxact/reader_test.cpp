@@ -34,28 +34,22 @@ std::string netPorts(kaldesign* d, const std::string& net) {
     return s;
 }
 
-std::vector<std::pair<std::string, std::string>> leafAndTop() {
+class reader : public recorded {};
+
+TEST_F(reader, widthsAndParametersFollowEachInstancesValues) {
     std::string leaf =
         component("leaf",
                   port("clk", "in") + port("d", "in", "WIDTH-1", "0") + port("q", "out", "uuid_w*2-1", "0") +
                       port("sel", "in", "$clog2(WIDTH)-1", "0"),
                   param("uuid_w", "WIDTH", "8") + param("uuid_d", "DEPTH", "WIDTH > 4 ? 2**3 : 'h10"));
     std::string top = component("top", port("top_clk", "in") + port("top_in", "in", "3", "0"), "", "top_d");
-    std::string d = design(
-        "top_d",
-        instance("u1", "leaf") + instance("u2", "leaf",
-                                          "<ipxact:configurableElementValue referenceId=\"uuid_w\">(1+1)*2"
-                                          "</ipxact:configurableElementValue>"),
-        adhoc("clk", internal("u1", "clk") + internal("u2", "clk") + external("top_clk")) +
-            adhoc("data", internal("u2", "d") + external("top_in")) +
-            adhoc("part", internal("u1", "d", 3, 0) + internal("u2", "q", 7, 4)));
-    return {{"leaf.xml", leaf}, {"top.xml", top}, {"top_d.xml", d}};
-}
-
-class reader : public recorded {};
-
-TEST_F(reader, widthsAndParametersFollowEachInstancesValues) {
-    kalipxact::loadResult r = kalipxact::loadDocuments(leafAndTop(), "acme:ip:top:1.0");
+    std::string topD =
+        design("top_d", instance("u1", "leaf") + instance("u2", "leaf", configured("uuid_w", "(1+1)*2")),
+               adhoc("clk", internal("u1", "clk") + internal("u2", "clk") + external("top_clk")) +
+                   adhoc("data", internal("u2", "d") + external("top_in")) +
+                   adhoc("part", internal("u1", "d", 3, 0) + internal("u2", "q", 7, 4)));
+    kalipxact::loadResult r = kalipxact::loadDocuments(
+        {{"leaf.xml", leaf}, {"top.xml", top}, {"top_d.xml", topD}}, "acme:ip:top:1.0");
     ASSERT_TRUE(r.ok) << r.error.str();
     EXPECT_MODEL_OK(r.root);
     kaldesign* d = r.root->getDesign(const_cast<std::string*>(S("top_d")));
@@ -85,12 +79,11 @@ TEST_F(reader, widthsAndParametersFollowEachInstancesValues) {
     EXPECT_EQ(netPorts(d, "part[0]"), "u1/d[0] u2/q[4]");
 
     // The records of the load: one per instance added, one per port connected, in that order.
-    std::vector<std::string> lines = records();
     std::size_t adds = 0, nets = 0;
-    for (auto& l : lines) {
+    for (auto& l : records()) {
         adds += l.rfind("design/add", 0) == 0;
-        nets += l.rfind("net/add", 0) == 0;
         if (l.rfind("net/add", 0) == 0) {
+            ++nets;
             EXPECT_EQ(adds, 2u) << "a connection before every instance was added";
         }
     }
@@ -121,10 +114,9 @@ TEST_F(reader, interconnectionsBecomeOneNetPerLogicalPortAcrossConnections) {
                   busIf("s", map("CLK", "", "c") + map("DAT", "", "din") + map("ONLY", "", "extra")));
     std::string top = component("sys", "", "", "sys_d");
     auto ic = [](const std::string& name, const std::string& a, const std::string& b) {
-        return "<ipxact:interconnection><ipxact:name>" + name +
-               "</ipxact:name>"
-               "<ipxact:activeInterface componentRef=\"m0\" busRef=\"m\"/>"
-               "<ipxact:activeInterface componentRef=\"" +
+        return "<ipxact:interconnection><ipxact:name>" + name + "</ipxact:name>" +
+               "<ipxact:activeInterface componentRef=\"m0\" busRef=\"m\"/><ipxact:activeInterface "
+               "componentRef=\"" +
                a + "\" busRef=\"" + b + "\"/></ipxact:interconnection>\n";
     };
     std::string d = design("sys_d", instance("m0", "mst") + instance("s0", "slv") + instance("s1", "slv"), "",
@@ -213,18 +205,13 @@ TEST_F(reader, skipsWhatTheModelCannotHoldWithFileAndLine) {
 TEST_F(reader, aDesignUsedWithTwoParameterSetsIsReadTwice) {
     std::string leaf = component("leaf", port("a", "in", "W-1", "0"), param("uuid_lw", "W", "1"));
     std::string mid = component("mid", port("v", "in", "W-1", "0"), param("uuid_mw", "W", "2"), "mid_d");
-    std::string midD = design("mid_d",
-                              instance("l", "leaf",
-                                       "<ipxact:configurableElementValue referenceId=\"uuid_lw\">uuid_mw"
-                                       "</ipxact:configurableElementValue>"),
+    std::string midD = design("mid_d", instance("l", "leaf", configured("uuid_lw", "uuid_mw")),
                               adhoc("n", internal("l", "a") + external("v")));
-    auto with = [](const char* w) {
-        return std::string("<ipxact:configurableElementValue referenceId=\"uuid_mw\">") + w +
-               "</ipxact:configurableElementValue>";
-    };
     std::string top = component("top", "", "", "top_d");
-    std::string topD =
-        design("top_d", instance("m2", "mid", with("2")) + instance("m5", "mid", with("5")), "");
+    std::string topD = design(
+        "top_d",
+        instance("m2", "mid", configured("uuid_mw", "2")) + instance("m5", "mid", configured("uuid_mw", "5")),
+        "");
     std::vector<std::pair<std::string, std::string>> set = {
         {"leaf.xml", leaf}, {"mid.xml", mid}, {"mid_d.xml", midD}, {"top.xml", top}, {"top_d.xml", topD}};
     std::filesystem::path dir = std::filesystem::path(KALDATA_WRITE_DIR) / "../reader-twice";

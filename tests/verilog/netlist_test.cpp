@@ -8,6 +8,7 @@
 #include <unistd.h>
 
 #include <fstream>
+#include <functional>
 #include <set>
 #include <sstream>
 #include <string>
@@ -41,9 +42,18 @@ protected:
         return c;
     }
     static kaldesign* design(kalcomponent* c) { return c->data->designs.begin()->second; }
-    void net(kalcomponent* c, const char* name) { c->addNet(N(name), N(name), N(""), nullptr); }
-    void wire(kalcomponent* c, const char* net, const char* port, const char* inst) {
-        ASSERT_TRUE(c->connect(N(net), N(port), N(inst))) << net << " " << inst << "/" << port;
+    void nets(kalcomponent* c, std::initializer_list<const char*> names) {
+        for (const char* name : names)
+            c->addNet(N(name), N(name), N(""), nullptr);
+    }
+    // Connects each "net=instance/port", or "net=port" for a port of the top itself.
+    void wires(kalcomponent* c, std::initializer_list<std::string> links) {
+        for (const std::string& link : links) {
+            std::size_t eq = link.find('='), slash = link.rfind('/');
+            std::string inst = slash == std::string::npos ? "" : link.substr(eq + 1, slash - eq - 1);
+            std::string port = link.substr(slash == std::string::npos ? eq + 1 : slash + 1);
+            EXPECT_TRUE(c->connect(N(link.substr(0, eq)), N(port), N(inst))) << link;
+        }
     }
 
     // Net bus b [1:0] with bit 1 empty: its net, which a second bus took over,
@@ -74,6 +84,18 @@ protected:
         return r.error;
     }
 
+    // Writes the netlist of `top`, expects every text of `has` in it and none
+    // of `lacks`, and releases `top`.
+    static void expectText(kalcomponent* top, bool stubs, std::initializer_list<const char*> has,
+                           std::initializer_list<const char*> lacks = {}) {
+        const std::string v = text(top, stubs);
+        for (const char* piece : has)
+            EXPECT_THAT(v, HasSubstr(piece));
+        for (const char* piece : lacks)
+            EXPECT_THAT(v, Not(HasSubstr(piece)));
+        release(top);
+    }
+
     models::names N;
 };
 
@@ -95,43 +117,32 @@ TEST_F(netlist, ports_buses_and_connections) {
     rtl->addInstance(N("u2"), leafBlock(N, "blk"));
     top->addNetbus(N("down"), N(""), N("down"), 3, 0, nullptr);
     top->addNetbus(N("up"), N(""), N("up"), 0, 3, nullptr);
-    net(top, "s");
-    for (const char* bit : {"[0]", "[1]", "[2]", "[3]"}) {
-        wire(top, (std::string("down") + bit).c_str(), (std::string("d") + bit).c_str(), "u1");
-        wire(top, (std::string("up") + bit).c_str(), (std::string("d") + bit).c_str(), "u2");
-    }
-    wire(top, "s", "q[6]", "u1");
-    wire(top, "s", "a", "u2");
-    wire(top, "down[1]", "q[5]", "u2");
+    nets(top, {"s"});
+    wires(top,
+          {"down[0]=u1/d[0]", "up[0]=u2/d[0]", "down[1]=u1/d[1]", "up[1]=u2/d[1]", "down[2]=u1/d[2]",
+           "up[2]=u2/d[2]", "down[3]=u1/d[3]", "up[3]=u2/d[3]", "s=u1/q[6]", "s=u2/a", "down[1]=u2/q[5]"});
 
-    const std::string v = text(top, true);
-    // slot order from the first bound: u1's d[0:3] sits on down[3:0] reversed;
-    // an output bit on no net gets a bit of a wire of its own
-    EXPECT_THAT(v,
-                HasSubstr("    blk u1 (\n        .a(),\n        .d({down[0], down[1], down[2], down[3]}),\n"
-                          "        .io(),\n        .q({nc[0], s, nc[1], nc[2]}),\n        .y()\n    );\n"));
-    // a bus on a whole net bus of its order is connected by name; an input
-    // bit on no net is left floating
-    EXPECT_THAT(v, HasSubstr("        .d(up),\n"));
-    EXPECT_THAT(v, HasSubstr("        .q({nc[3], nc[4], down[1], nc[5]}),\n"));
-    EXPECT_THAT(v, HasSubstr("    wire [3:0] down;\n    wire [0:3] up;\n    wire s;\n    wire [5:0] nc;"));
-    EXPECT_THAT(v, HasSubstr("// acme:ip:blk:1.0, defined elsewhere\n(* blackbox *)\nmodule blk (\n"
-                             "    input wire a,\n    input wire [0:3] d,\n    inout wire io,\n"
-                             "    output wire [7:4] q,\n    output wire y\n);\nendmodule\n"));
     EXPECT_THAT(text(top), Not(HasSubstr("module blk")));
-    release(top);
+    // slot order from the first bound: u1's d[0:3] sits on down[3:0] reversed;
+    // an output bit on no net gets a bit of a wire of its own, an input bit
+    // on no net is left floating; a bus on a whole net bus of its order is
+    // connected by name
+    expectText(top, true,
+               {"    blk u1 (\n        .a(),\n        .d({down[0], down[1], down[2], down[3]}),\n"
+                "        .io(),\n        .q({nc[0], s, nc[1], nc[2]}),\n        .y()\n    );\n",
+                "        .d(up),\n", "        .q({nc[3], nc[4], down[1], nc[5]}),\n",
+                "    wire [3:0] down;\n    wire [0:3] up;\n    wire s;\n    wire [5:0] nc;",
+                "// acme:ip:blk:1.0, defined elsewhere\n(* blackbox *)\nmodule blk (\n"
+                "    input wire a,\n    input wire [0:3] d,\n    inout wire io,\n"
+                "    output wire [7:4] q,\n    output wire y\n);\nendmodule\n"});
 }
 
 TEST_F(netlist, input_bits_on_no_net_float_output_bits_get_a_wire) {
     kalcomponent* top = root("top");
     design(top)->addInstance(N("u"), leafBlock(N, "blk"));
-    net(top, "s");
-    wire(top, "s", "q[4]", "u");
-    wire(top, "s", "d[3]", "u");
-    const std::string v = text(top);
-    EXPECT_THAT(v, HasSubstr(".q({nc[0], nc[1], nc[2], s})"));
-    EXPECT_THAT(v, HasSubstr(".d({1'bz, 1'bz, 1'bz, s})"));
-    release(top);
+    nets(top, {"s"});
+    wires(top, {"s=u/q[4]", "s=u/d[3]"});
+    expectText(top, false, {".q({nc[0], nc[1], nc[2], s})", ".d({1'bz, 1'bz, 1'bz, s})"});
 }
 
 TEST_F(netlist, names_kept_escaped_or_made_unique) {
@@ -147,27 +158,16 @@ TEST_F(netlist, names_kept_escaped_or_made_unique) {
     rtl->addInstance(N("u/1"), b1);
     rtl->addInstance(N("clk"), b2);  // an instance named like a port
     rtl->addInstance(N("m"), ram);
-    net(top, "clk");
-    net(top, "n.1");
-    net(top, "if");  // keywords of two letters and with digits, and a near miss
-    net(top, "tri0");
-    net(top, "tri0x");
-    wire(top, "clk", "clk", "");
-
-    const std::string v = text(top, true);
-    EXPECT_THAT(v, HasSubstr("    output wire a_b,\n    input wire clk,\n    input wire \\wire \n);"));
-    EXPECT_THAT(v, HasSubstr("    wire clk_1;  // net clk\n"));
-    EXPECT_THAT(v, HasSubstr("    wire \\n.1 ;\n"));
-    EXPECT_THAT(v, HasSubstr("    wire \\if ;\n"));
-    EXPECT_THAT(v, HasSubstr("    wire \\tri0 ;\n    wire tri0x;\n"));
-    EXPECT_THAT(v, HasSubstr("    assign clk_1 = clk;\n"));
+    // "if" and "tri0": keywords of two letters and with digits; "tri0x" a near miss
+    nets(top, {"clk", "n.1", "if", "tri0", "tri0x"});
+    wires(top, {"clk=clk"});
     // instances in name order meet acme:other:blk first, so it keeps the name
-    EXPECT_THAT(v, HasSubstr("    blk clk_2 ();  // instance clk\n"));
-    EXPECT_THAT(v, HasSubstr("    blk_1 \\u/1  ();\n"));
-    EXPECT_THAT(v, HasSubstr("    vendor_ram_2p m ();\n"));
-    EXPECT_THAT(v, HasSubstr("module blk;\n"));
-    EXPECT_THAT(v, HasSubstr("module blk_1;\n"));
-    release(top);
+    expectText(top, true,
+               {"    output wire a_b,\n    input wire clk,\n    input wire \\wire \n);",
+                "    wire clk_1;  // net clk\n", "    wire \\n.1 ;\n", "    wire \\if ;\n",
+                "    wire \\tri0 ;\n    wire tri0x;\n", "    assign clk_1 = clk;\n",
+                "    blk clk_2 ();  // instance clk\n", "    blk_1 \\u/1  ();\n", "    vendor_ram_2p m ();\n",
+                "module blk;\n", "module blk_1;\n"});
 }
 
 TEST_F(netlist, top_ports_are_joined_by_assignments_in_their_direction) {
@@ -177,20 +177,13 @@ TEST_F(netlist, top_ports_are_joined_by_assignments_in_their_direction) {
     top->addPort(N("io"), N("io"), 3, nullptr);
     top->addPortbus(N("bus"), N("bus"), 1, 0, 2, nullptr);
     top->addPortbus(N("whole"), N("whole"), 2, 1, 1, nullptr);
-    net(top, "n");
-    net(top, "m");
+    nets(top, {"n", "m"});
     top->addNetbus(N("w"), N(""), N("w"), 2, 1, nullptr);
-    wire(top, "n", "i", "");
-    wire(top, "n", "o", "");  // a feed-through: two top ports on one net
-    wire(top, "m", "io", "");
-    wire(top, "m", "bus[0]", "");
-    wire(top, "n", "bus[1]", "");
-    wire(top, "w[2]", "whole[2]", "");
-    wire(top, "w[1]", "whole[1]", "");
-    const std::string v = text(top);
-    EXPECT_THAT(v, HasSubstr("    assign bus[1] = n;\n    assign bus[0] = m;\n    assign n = i;\n"
-                             "    assign io = m;\n    assign o = n;\n    assign w = whole;\n"));
-    release(top);
+    // i and o on n make a feed-through: two top ports on one net
+    wires(top, {"n=i", "n=o", "m=io", "m=bus[0]", "n=bus[1]", "w[2]=whole[2]", "w[1]=whole[1]"});
+    expectText(top, false,
+               {"    assign bus[1] = n;\n    assign bus[0] = m;\n    assign n = i;\n"
+                "    assign io = m;\n    assign o = n;\n    assign w = whole;\n"});
 }
 
 TEST_F(netlist, a_net_in_two_net_buses_stays_one_net) {
@@ -200,32 +193,24 @@ TEST_F(netlist, a_net_in_two_net_buses_stays_one_net) {
     top->addNetbus(N("p"), N(""), N("p"), 1, 0, nullptr);
     rtl->changeNetName(N("p[1]"), N("r[1]"));
     top->addNetbus(N("r"), N(""), N("r"), 1, 0, nullptr);  // takes the net r[1], still p's bit 1
-    wire(top, "r[1]", "a", "u");
-    const std::string v = text(top);
-    EXPECT_THAT(v, HasSubstr("    assign p[1] = r[1];  // one net in two net bus slots\n"));
-    EXPECT_THAT(v, HasSubstr(".a(r[1])"));
-    EXPECT_THAT(v, Not(HasSubstr("wire \\r[1]")));
-    release(top);
+    wires(top, {"r[1]=u/a"});
+    expectText(top, false, {"    assign p[1] = r[1];  // one net in two net bus slots\n", ".a(r[1])"},
+               {"wire \\r[1]"});
 }
 
 TEST_F(netlist, a_net_named_like_a_bit_outside_its_bus_is_a_net_of_its_own) {
     kalcomponent* top = root("top");
     design(top)->addInstance(N("u"), leafBlock(N, "blk"));
     top->addNetbus(N("b"), N(""), N("b"), 1, 0, nullptr);
-    net(top, "a b");   // before the bus in the net map, and renamed
-    net(top, "b[7]");  // among the bus's bit names in the net map
-    net(top, "c");
-    wire(top, "b[7]", "a", "u");
-    wire(top, "b[0]", "y", "u");
-    const std::string v = text(top);
+    // "a b" comes before the bus in the net map and is renamed; "b[7]" among its bit names
+    nets(top, {"a b", "b[7]", "c"});
+    wires(top, {"b[7]=u/a", "b[0]=u/y"});
     // the writer steps over b's run of bit names, finds one name too many and
     // walks the net map again: each net is declared once, under one name
-    EXPECT_THAT(v, HasSubstr("    wire [1:0] b;\n    wire a_b;  // net a b\n    wire \\b[7] ;\n    wire c;\n"
-                             "\n    blk u ("));
-    EXPECT_THAT(v, Not(HasSubstr("a_b_1")));
-    EXPECT_THAT(v, HasSubstr(".a(\\b[7] )"));
-    EXPECT_THAT(v, HasSubstr(".y(b[0])"));
-    release(top);
+    expectText(top, false,
+               {"    wire [1:0] b;\n    wire a_b;  // net a b\n    wire \\b[7] ;\n    wire c;\n\n    blk u (",
+                ".a(\\b[7] )", ".y(b[0])"},
+               {"a_b_1"});
 }
 
 TEST_F(netlist, the_same_model_gives_the_same_bytes) {
@@ -247,59 +232,56 @@ TEST_F(netlist, the_same_model_gives_the_same_bytes) {
 }
 
 TEST_F(netlist, models_a_netlist_cannot_express_are_refused_by_name) {
-    {  // a port whose direction the library refused
-        kalcomponent* top = root("top");
-        auto* bad = component("ip", "odd");
-        bad->addPort(N("strange"), N("strange"), 7, nullptr);
-        design(top)->addInstance(N("u"), bad);
-        EXPECT_THAT(refused(top), HasSubstr("port \"strange\" of acme:ip:odd:1.0 at top/u has direction 0"));
+    // Each model with the words its refusal must hold.
+    const std::vector<std::pair<std::function<kalcomponent*()>, std::string>> cases = {
+        {[&] {  // a port whose direction the library refused
+             kalcomponent* top = root("top");
+             auto* bad = component("ip", "odd");
+             bad->addPort(N("strange"), N("strange"), 7, nullptr);
+             design(top)->addInstance(N("u"), bad);
+             return top;
+         },
+         "port \"strange\" of acme:ip:odd:1.0 at top/u has direction 0"},
+        {[&] {  // two components of one kind with different ports
+             kalcomponent* top = root("top");
+             design(top)->addInstance(N("u1"), leafBlock(N, "blk"));
+             auto* other = leafBlock(N, "blk");
+             other->removePort(N("y"));
+             design(top)->addInstance(N("u2"), other);
+             return top;
+         },
+         "acme:ip:blk:1.0 at top/u2 has other ports than acme:ip:blk:1.0 at top/u1, which defines the "
+         "module of that kind: it lacks port \"y\""},
+        {[&] {  // a net bus slot without a net
+             kalcomponent* top = root("top");
+             emptySlot(top);
+             return top;
+         },
+         "net bus \"b\" of the design \"rtl\" of acme:soc:top:1.0 at top has no net at bit 1"},
+        {[&] {  // two kinds asking for one module name
+             kalcomponent* top = root("top");
+             auto* x = component("ip", "x");
+             auto* y = component("ip", "y");
+             x->setAttributeValue(N("moduleName"), N("shared"));
+             y->setAttributeValue(N("moduleName"), N("shared"));
+             design(top)->addInstance(N("ux"), x);
+             design(top)->addInstance(N("uy"), y);
+             return top;
+         },
+         "acme:ip:x:1.0 and acme:ip:y:1.0 both ask for the module name \"shared\""},
+        {[&] {  // a module that contains itself
+             kalcomponent* top = root("top");
+             design(top)->addInstance(N("again"), root("top"));
+             return top;
+         },
+         "the module of acme:soc:top:1.0 contains itself: acme:soc:top:1.0 -> acme:soc:top:1.0"},
+        {[&] { return component("ip", "alone"); }, "acme:ip:alone:1.0 at alone has no design"},
+        {[] { return static_cast<kalcomponent*>(nullptr); }, "no component"},
+    };
+    for (auto& [build, words] : cases) {
+        kalcomponent* top = build();
+        EXPECT_THAT(refused(top), HasSubstr(words));
         release(top);
-    }
-    {  // two components of one kind with different ports
-        kalcomponent* top = root("top");
-        design(top)->addInstance(N("u1"), leafBlock(N, "blk"));
-        auto* other = leafBlock(N, "blk");
-        other->removePort(N("y"));
-        design(top)->addInstance(N("u2"), other);
-        EXPECT_THAT(refused(top),
-                    HasSubstr("acme:ip:blk:1.0 at top/u2 has other ports than acme:ip:blk:1.0 at "
-                              "top/u1, which defines the module of that kind: it lacks port \"y\""));
-        release(top);
-    }
-    {  // a net bus slot without a net
-        kalcomponent* top = root("top");
-        emptySlot(top);
-        EXPECT_THAT(refused(top),
-                    HasSubstr("net bus \"b\" of the design \"rtl\" of acme:soc:top:1.0 at top has "
-                              "no net at bit 1"));
-        release(top);
-    }
-    {  // two kinds asking for one module name
-        kalcomponent* top = root("top");
-        auto* x = component("ip", "x");
-        auto* y = component("ip", "y");
-        x->setAttributeValue(N("moduleName"), N("shared"));
-        y->setAttributeValue(N("moduleName"), N("shared"));
-        design(top)->addInstance(N("ux"), x);
-        design(top)->addInstance(N("uy"), y);
-        EXPECT_THAT(refused(top), HasSubstr("acme:ip:x:1.0 and acme:ip:y:1.0 both ask for the module name "
-                                            "\"shared\""));
-        release(top);
-    }
-    {  // a module that contains itself
-        kalcomponent* top = root("top");
-        kalcomponent* inner = root("top");
-        design(top)->addInstance(N("again"), inner);
-        EXPECT_THAT(refused(top),
-                    HasSubstr("the module of acme:soc:top:1.0 contains itself: acme:soc:top:1.0 -> "
-                              "acme:soc:top:1.0"));
-        release(top);
-    }
-    {
-        kalcomponent* leaf = component("ip", "alone");
-        EXPECT_THAT(refused(leaf), HasSubstr("acme:ip:alone:1.0 at alone has no design"));
-        EXPECT_THAT(refused(nullptr), HasSubstr("no component"));
-        release(leaf);
     }
 }
 
@@ -315,9 +297,7 @@ std::set<std::string> folder(const std::string& dir) {
 
 std::string slurp(const std::string& path) {
     std::ifstream in(path);
-    std::stringstream s;
-    s << in.rdbuf();
-    return s.str();
+    return std::string(std::istreambuf_iterator<char>(in), {});
 }
 
 TEST_F(netlist, a_file_is_replaced_whole_or_left_alone) {

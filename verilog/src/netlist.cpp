@@ -125,26 +125,24 @@ private:
     std::uintptr_t pos = 0, end = 0, resume = 0;
 };
 
+// Compares n bytes, sizeof(Word) <= n <= 2 * sizeof(Word), as the first and
+// the last word (they overlap when n is short of two words).
+template <typename Word>
+KALVERILOG_INLINE bool sameEnds(const char* x, const char* y, std::size_t n) {
+    Word x0, x1, y0, y1;
+    std::memcpy(&x0, x, sizeof(Word));
+    std::memcpy(&x1, x + n - sizeof(Word), sizeof(Word));
+    std::memcpy(&y0, y, sizeof(Word));
+    std::memcpy(&y1, y + n - sizeof(Word), sizeof(Word));
+    return x0 == y0 && x1 == y1;
+}
+
 // A short string is compared word by word in place of a call.
 KALVERILOG_INLINE bool sameText(const std::string& a, const char* y, std::size_t n) {
     if (a.size() != n) return false;
     const char* x = a.data();
-    if (n >= 8 && n <= 16) {
-        std::uint64_t x0, x1, y0, y1;
-        std::memcpy(&x0, x, 8);
-        std::memcpy(&x1, x + n - 8, 8);
-        std::memcpy(&y0, y, 8);
-        std::memcpy(&y1, y + n - 8, 8);
-        return x0 == y0 && x1 == y1;
-    }
-    if (n >= 4 && n < 8) {
-        std::uint32_t x0, x1, y0, y1;
-        std::memcpy(&x0, x, 4);
-        std::memcpy(&x1, x + n - 4, 4);
-        std::memcpy(&y0, y, 4);
-        std::memcpy(&y1, y + n - 4, 4);
-        return x0 == y0 && x1 == y1;
-    }
+    if (n >= 8 && n <= 16) return sameEnds<std::uint64_t>(x, y, n);
+    if (n >= 4 && n < 8) return sameEnds<std::uint32_t>(x, y, n);
     if (n < 4) {
         for (std::size_t i = 0; i < n; ++i)
             if (x[i] != y[i]) return false;
