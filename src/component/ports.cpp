@@ -61,13 +61,15 @@ int kalcomponent::addPortbus(const std::string* name, const std::string* second,
     data->portbuses.emplace(*name, bus);
     kalaccess::setComponent(bus, this);
     unsigned int low = msb < lsb ? msb : lsb, high = msb < lsb ? lsb : msb;
+    std::string bitName, bitSecond;
+    const bool samePair = *second == *name;
     for (unsigned long long i = low; i <= high; ++i) {
         const unsigned int bit = static_cast<unsigned int>(i);
-        std::unique_ptr<std::string> bitName(kalutilities::constructBusBit(name, bit));
-        std::unique_ptr<std::string> bitSecond(kalutilities::constructBusBit(second, bit));
+        kalbits::nameBit(bitName, *name, bit);
+        if (!samePair) kalbits::nameBit(bitSecond, *second, bit);
         bool added;
         // An existing port of that name becomes the bit.
-        kalport* port = placePort(this, *bitName, *bitSecond, direction, fourth, added);
+        kalport* port = placePort(this, bitName, samePair ? bitName : bitSecond, direction, fourth, added);
         if (!port) continue;
         kalbusties::place(bus, kalbits::slot(bit, msb), port);
     }

@@ -4,7 +4,9 @@
 #ifndef KALDATA_SRC_CONNECTIVITY_BITS_H
 #define KALDATA_SRC_CONNECTIVITY_BITS_H
 
+#include <charconv>
 #include <cstddef>
+#include <string>
 #include <vector>
 
 namespace kalbits {
@@ -30,6 +32,16 @@ void forEachSlot(const std::vector<T*>& slots, unsigned int first, unsigned int 
         visit(k, slots[k], bit);
         bit = first <= last ? bit + 1 : bit - 1;
     }
+}
+
+// name + "[" + bit + "]", written over `out`: buses name every bit, and
+// reusing one buffer keeps the names off the heap.
+inline void nameBit(std::string& out, const std::string& name, unsigned int bit) {
+    char suffix[12] = {'['};
+    char* end = std::to_chars(suffix + 1, suffix + sizeof suffix - 1, bit).ptr;
+    *end++ = ']';
+    out.assign(name);
+    out.append(suffix, end);
 }
 
 }  // namespace kalbits

@@ -1,20 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "kalutilities.h"
 
-#include <charconv>
+#include "connectivity/bits.h"
 
 std::string* kalutilities::constructBusBit(const std::string* name, unsigned int index) {
-    // "[" + any unsigned 32-bit value + "]", made in place: bit names are built
-    // for every bit of every net bus, and short ones stay in the string's own buffer.
-    char suffix[12] = {'['};
-    char* end = std::to_chars(suffix + 1, suffix + sizeof suffix - 1, index).ptr;
-    *end++ = ']';
     auto* out = new std::string();
-    if (name) {
-        out->reserve(name->size() + static_cast<std::size_t>(end - suffix));
-        out->append(*name);
-    }
-    out->append(suffix, end);
+    kalbits::nameBit(*out, name ? *name : std::string(), index);
     return out;
 }
 

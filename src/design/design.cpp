@@ -2,6 +2,7 @@
 #include <memory>
 
 #include "connectivity/access.h"
+#include "connectivity/bits.h"
 #include "core/identity.h"
 #include "core/maps.h"
 #include "design/handedback.h"
@@ -14,7 +15,6 @@
 #include "kalelements.h"
 #include "kalnet.h"
 #include "kalport.h"
-#include "kalutilities.h"
 
 namespace {
 
@@ -51,6 +51,11 @@ kaldesigndata::kaldesigndata()
       handedBack(nullptr) {}
 
 kaldesigndata::~kaldesigndata() {
+    // The large index blocks go first: freed after the mass of small frees
+    // below, each would make malloc consolidate all of those chunks again.
+    netIndex->shed();
+    instanceIndex->shed();
+    instanceOrder->shed();
     // Buses before their members: a dual port bus clears its members' bus links
     // so that the dual ports do not call back into a design being torn down,
     // and net buses release their bit nets before the nets go.
@@ -244,15 +249,18 @@ bool kaldesign::addNetbus(const std::string* name, const std::string* type, cons
     static const std::string typeKey("type");
     if (!name || !secondName || data->getNetbusMap()->count(*name)) return false;
     std::vector<kalnet*> bits;
+    std::string bitName, bitSecond;
+    const bool samePair = *secondName == *name;
     // The walk compares as signed 32-bit values; bounds from 2^31 up are not supported.
     const long long from = static_cast<int>(first), to = static_cast<int>(last);
     const long long step = last >= first ? 1 : -1;
     for (long long i = from; step > 0 ? i <= to : i >= to; i += step) {
         const unsigned int bit = static_cast<unsigned int>(i);
-        std::unique_ptr<std::string> bitName(kalutilities::constructBusBit(name, bit));
-        std::unique_ptr<std::string> bitSecond(kalutilities::constructBusBit(secondName, bit));
+        kalbits::nameBit(bitName, *name, bit);
+        if (!samePair) kalbits::nameBit(bitSecond, *secondName, bit);
         bool added;
-        bits.push_back(placeNet(*bitName, *bitSecond, type, text, added));  // an existing net becomes the bit
+        bits.push_back(placeNet(bitName, samePair ? bitName : bitSecond, type, text,
+                                added));  // an existing net becomes the bit
     }
     kalnetbus* bus = kalnetbus::createNetBus(name, secondName, first, last, bits, text);
     if (type && !type->empty()) bus->setAttribute(&typeKey, type, &kalidentity::spirit, false);

@@ -19,6 +19,8 @@ struct kalinstanceorder {
     void append(kalcomponent* instance);
     void remove(kalcomponent* instance);
     void clear();
+    // Frees the index and leaves it stale (the list stays): the next removal rebuilds it.
+    void shed() { decltype(where)().swap(where); }
     // What is wrong with the index, or null (for kalverify). A stale index
     // (the list's length changed from outside) is rebuilt before use: not wrong.
     const char* problem() const;

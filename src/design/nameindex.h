@@ -32,6 +32,12 @@ struct kalnameindex {
     // What is wrong with the index, or null (for kalverify). A stale index
     // (the map's size changed from outside) is rebuilt before use: not wrong.
     const char* problem();
+    // Frees the slots and leaves the index stale (the map stays): the next use rebuilds it.
+    void shed() {
+        std::vector<slot>().swap(slots);
+        count = 0;
+        last = entries.end();
+    }
     void clear() {
         entries.clear();
         slots.clear();
