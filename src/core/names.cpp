@@ -2,17 +2,30 @@
 #include "core/names.h"
 
 #include <mutex>
+#include <string_view>
+#include <type_traits>
 #include <unordered_map>
 
 namespace {
 
-// Elements of an unordered_map keep their address across rehashing, so the
-// key strings can be handed out. This is the one table that separate models
-// share, and they may live on separate threads, hence the lock
-// (tests/threads_test.cpp fails without it).
+// One shared name: the text first, so that the pointer handed out is the
+// entry's own address and a release finds its count without hashing.
+struct entry {
+    std::string text;
+    std::size_t count;
+};
+static_assert(std::is_standard_layout<entry>::value, "the text must sit at the entry's address");
+
+entry* entryOf(const std::string* s) {
+    return reinterpret_cast<entry*>(const_cast<std::string*>(s));
+}
+
+// Separate models share this table, and they may live on separate threads,
+// hence the lock (tests/threads_test.cpp fails without it). The keys view
+// the entries' own text.
 struct table {
     std::mutex lock;
-    std::unordered_map<std::string, std::size_t> counts;
+    std::unordered_map<std::string_view, entry*> entries;
 };
 
 table& shared() {
@@ -27,9 +40,14 @@ namespace kalnames {
 const std::string* acquire(const std::string& text) {
     table& t = shared();
     std::lock_guard<std::mutex> hold(t.lock);
-    auto it = t.counts.try_emplace(text, 0).first;
-    ++it->second;
-    return &it->first;
+    auto it = t.entries.find(std::string_view(text));
+    if (it != t.entries.end()) {
+        ++it->second->count;
+        return &it->second->text;
+    }
+    auto* e = new entry{text, 1};
+    t.entries.emplace(std::string_view(e->text), e);
+    return &e->text;
 }
 
 const std::string* acquireOrNull(const std::string* text) {
@@ -40,8 +58,10 @@ void release(const std::string* s) {
     if (!s) return;
     table& t = shared();
     std::lock_guard<std::mutex> hold(t.lock);
-    auto it = t.counts.find(*s);
-    if (it != t.counts.end() && --it->second == 0) t.counts.erase(it);
+    entry* e = entryOf(s);
+    if (--e->count) return;
+    t.entries.erase(std::string_view(e->text));
+    delete e;
 }
 
 void reassign(const std::string*& field, const std::string* value) {
