@@ -16,7 +16,7 @@ const std::string& fourth() {
 }
 }  // namespace
 
-record::record(const char* category, const char* action)
+record::record(const std::string& category, const std::string& action)
     : object(vorn::event::createObject(category, action, source(), fourth())) {}
 
 record& record::set(const char* key, std::string value) {

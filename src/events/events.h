@@ -17,7 +17,7 @@ namespace kalevents {
 
 class record {
 public:
-    record(const char* category, const char* action);
+    record(const std::string& category, const std::string& action);
     record(const record&) = delete;
     record& operator=(const record&) = delete;
 
@@ -34,7 +34,7 @@ private:
 // Creates a record and, only when the service gave an object, lets fill set
 // its keys and sends it: values are not built for a dropped record.
 template <class Fill>
-void emit(const char* category, const char* action, Fill fill) {
+void emit(const std::string& category, const std::string& action, Fill fill) {
     record r(category, action);
     if (!r) return;
     fill(r);
@@ -42,7 +42,8 @@ void emit(const char* category, const char* action, Fill fill) {
 }
 
 // A record with a single key.
-inline void emit(const char* category, const char* action, const char* key, const std::string& value) {
+inline void emit(const std::string& category, const std::string& action, const char* key,
+                 const std::string& value) {
     emit(category, action, [&](record& r) { r.set(key, value); });
 }
 

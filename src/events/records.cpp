@@ -13,6 +13,14 @@ namespace kalrecords {
 
 namespace {
 
+namespace k {
+// Categories and actions, made once: a record the service drops should cost
+// no string building.
+const std::string add_("add"), connect_("connect"), design_("design"), dualpin_("dualpin"),
+    dualpinbus_("dualpinbus"), export_("export"), net_("net"), netbus_("netbus"), port_("port"),
+    portbus_("portbus"), rem_("rem"), remove_("remove"), rnm_("rnm");
+}  // namespace k
+
 bool isTopPort(const kalport* port) {
     return port->getComponent() && !port->getComponent()->parentDesign;
 }
@@ -20,7 +28,7 @@ bool isTopPort(const kalport* port) {
 // Dual port records need an owner as well as an object; an object created
 // for a design without owner stays with the service unsent.
 template <class Fill>
-void announce(const kaldesign* design, const char* category, const char* action, Fill fill) {
+void announce(const kaldesign* design, const std::string& category, const std::string& action, Fill fill) {
     kalevents::record r(category, action);
     if (!r || !design->owner) return;
     fill(r);
@@ -32,13 +40,13 @@ void announce(const kaldesign* design, const char* category, const char* action,
 // ---- instances ----
 
 void instanceAdded(const kaldesign* design, const std::string& instanceName) {
-    kalevents::emit("design", "add", [&](kalevents::record& r) {
+    kalevents::emit(k::design_, k::add_, [&](kalevents::record& r) {
         r.set("instance", kalpaths::designPath(design, instanceName));
     });
 }
 
 void instanceRemoved(const kaldesign* design, const std::string& instanceName) {
-    kalevents::emit("design", "remove", [&](kalevents::record& r) {
+    kalevents::emit(k::design_, k::remove_, [&](kalevents::record& r) {
         r.set("instance", kalpaths::designPath(design, instanceName));
     });
 }
@@ -46,14 +54,14 @@ void instanceRemoved(const kaldesign* design, const std::string& instanceName) {
 // ---- nets and net buses ----
 
 void netAdded(const kalnet* net, const kalport* port) {
-    kalevents::emit("net", "add", [&](kalevents::record& r) {
+    kalevents::emit(k::net_, k::add_, [&](kalevents::record& r) {
         r.set("net", kalpaths::designPath(net->getDesign(), *net->getName()));
         if (isTopPort(port)) r.set("topport", kalpaths::portPath(port));
     });
 }
 
 void netAdded(const kalnet* net) {
-    kalevents::emit("net", "add", [&](kalevents::record& r) {
+    kalevents::emit(k::net_, k::add_, [&](kalevents::record& r) {
         r.set("net", kalpaths::designPath(net->getDesign(), *net->getName()));
         for (const kalport* p : net->getPorts()) {
             if (isTopPort(p)) {
@@ -65,31 +73,31 @@ void netAdded(const kalnet* net) {
 }
 
 void netRemoved(const kaldesign* design, const std::string& name) {
-    kalevents::emit("net", "rem",
+    kalevents::emit(k::net_, k::rem_,
                     [&](kalevents::record& r) { r.set("net", kalpaths::designPath(design, name)); });
 }
 
 void netRenamed(const kaldesign* design, const std::string& from, const std::string& to) {
-    kalevents::emit("net", "rnm", [&](kalevents::record& r) {
+    kalevents::emit(k::net_, k::rnm_, [&](kalevents::record& r) {
         r.set("oname", kalpaths::designPath(design, from));
         r.set("nname", kalpaths::designPath(design, to));
     });
 }
 
 void netbusRemoved(const kaldesign* design, const std::string& name) {
-    kalevents::emit("netbus", "rem",
+    kalevents::emit(k::netbus_, k::rem_,
                     [&](kalevents::record& r) { r.set("netbus", kalpaths::designPath(design, name)); });
 }
 
 void netbusRenamed(const kaldesign* design, const std::string& from, const std::string& to) {
-    kalevents::emit("netbus", "rnm", [&](kalevents::record& r) {
+    kalevents::emit(k::netbus_, k::rnm_, [&](kalevents::record& r) {
         r.set("oname", kalpaths::designPath(design, from));
         r.set("nname", kalpaths::designPath(design, to));
     });
 }
 
 void portLeftNet(const kalnet* net, const kalport* port) {
-    kalevents::emit("connect", "rem", [&](kalevents::record& r) {
+    kalevents::emit(k::connect_, k::rem_, [&](kalevents::record& r) {
         r.set("net", kalpaths::designPath(net->getDesign(), kaltext::orEmpty(net->getName())));
         r.set("port", kalpaths::portPathInDesign(port));
     });
@@ -98,24 +106,24 @@ void portLeftNet(const kalnet* net, const kalport* port) {
 // ---- component ports ----
 
 void portRemoved(const kalcomponent* owner, const std::string& name) {
-    kalevents::emit("port", "rem",
+    kalevents::emit(k::port_, k::rem_,
                     [&](kalevents::record& r) { r.set("topport", kalpaths::portPath(owner, name)); });
 }
 
 void portRenamed(const kalcomponent* owner, const std::string& from, const std::string& to) {
-    kalevents::emit("port", "rnm", [&](kalevents::record& r) {
+    kalevents::emit(k::port_, k::rnm_, [&](kalevents::record& r) {
         r.set("oname", kalpaths::portPath(owner, from));
         r.set("nname", kalpaths::portPath(owner, to));
     });
 }
 
 void portbusRemoved(const kalcomponent* owner, const std::string& name) {
-    kalevents::emit("portbus", "rem",
+    kalevents::emit(k::portbus_, k::rem_,
                     [&](kalevents::record& r) { r.set("topportbus", kalpaths::portPath(owner, name)); });
 }
 
 void portbusRenamed(const kalcomponent* owner, const std::string& from, const std::string& to) {
-    kalevents::emit("portbus", "rnm", [&](kalevents::record& r) {
+    kalevents::emit(k::portbus_, k::rnm_, [&](kalevents::record& r) {
         r.set("oname", kalpaths::portPath(owner, from));
         r.set("nname", kalpaths::portPath(owner, to));
     });
@@ -125,7 +133,7 @@ void portbusRenamed(const kalcomponent* owner, const std::string& from, const st
 
 void portExported(const std::string& path, const kalcomponent* enclosing, const kaldesign* design,
                   const std::string& topName) {
-    kalevents::emit("export", "add", [&](kalevents::record& r) {
+    kalevents::emit(k::export_, k::add_, [&](kalevents::record& r) {
         r.set("port", path);
         r.set("topport", kalpaths::portPath(enclosing, topName));
         r.set("net", kalpaths::designPath(design, topName));
@@ -134,7 +142,7 @@ void portExported(const std::string& path, const kalcomponent* enclosing, const 
 
 void portbusExported(const std::string& path, const kalcomponent* enclosing, const kaldesign* design,
                      const std::string& topName) {
-    kalevents::emit("export", "add", [&](kalevents::record& r) {
+    kalevents::emit(k::export_, k::add_, [&](kalevents::record& r) {
         r.set("portbus", path);
         r.set("topportbus", kalpaths::portPath(enclosing, topName));
         r.set("netbus", kalpaths::designPath(design, topName));
@@ -143,7 +151,7 @@ void portbusExported(const std::string& path, const kalcomponent* enclosing, con
 
 void portUnexported(const std::string& portName, const kalcomponent* topOwner, const std::string& topName,
                     const kaldesign* netDesign, bool hadNet, bool netGone) {
-    kalevents::emit("export", "rem", [&](kalevents::record& r) {
+    kalevents::emit(k::export_, k::rem_, [&](kalevents::record& r) {
         if (netGone) r.set("net", hadNet ? kalpaths::designPath(netDesign, topName) : std::string());
         r.set("port", portName);
         r.set("topport", topOwner ? kalpaths::portPath(topOwner, topName) : std::string());
@@ -152,7 +160,7 @@ void portUnexported(const std::string& portName, const kalcomponent* topOwner, c
 
 void portbusUnexported(const std::string& busName, const kalcomponent* topOwner, const std::string& topName,
                        const kaldesign* netbusDesign, bool netbusGone) {
-    kalevents::emit("export", "rem", [&](kalevents::record& r) {
+    kalevents::emit(k::export_, k::rem_, [&](kalevents::record& r) {
         if (netbusGone) r.set("netbus", kalpaths::designPath(netbusDesign, topName));
         r.set("portbus", busName);
         r.set("topportbus", kalpaths::portPath(topOwner, topName));
@@ -162,17 +170,17 @@ void portbusUnexported(const std::string& busName, const kalcomponent* topOwner,
 // ---- dual ports ----
 
 void dualPortAdded(const kaldesign* design, const std::string& name) {
-    announce(design, "dualpin", "add",
+    announce(design, k::dualpin_, k::add_,
              [&](kalevents::record& r) { r.set("dualpin", kalpaths::dualPortPath(design, name)); });
 }
 
 void dualPortbusAdded(const kaldesign* design, const std::string& name) {
-    announce(design, "dualpinbus", "add", [&](kalevents::record& r) { r.set("dualpinbus", name); });
+    announce(design, k::dualpinbus_, k::add_, [&](kalevents::record& r) { r.set("dualpinbus", name); });
 }
 
 void dualPortLostPort(const kaldesign* design, const std::string& name, const kalnet* net,
                       const kalport* port) {
-    announce(design, "dualpin", "remove", [&](kalevents::record& r) {
+    announce(design, k::dualpin_, k::remove_, [&](kalevents::record& r) {
         r.set("dualpin", net ? kalpaths::designPath(net->getDesign(), *net->getName())
                              : kalpaths::dualPortPath(design, name));
         r.set("port", port ? kalpaths::designPortPath(port) : std::string());
@@ -180,7 +188,7 @@ void dualPortLostPort(const kaldesign* design, const std::string& name, const ka
 }
 
 void dualPortbusRemoved(const kaldesign* design, const std::string& name) {
-    announce(design, "dualpinbus", "remove", [&](kalevents::record& r) { r.set("dualpinbus", name); });
+    announce(design, k::dualpinbus_, k::remove_, [&](kalevents::record& r) { r.set("dualpinbus", name); });
 }
 
 }  // namespace kalrecords
