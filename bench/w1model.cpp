@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "w1model.h"
 
+#include <charconv>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
@@ -17,6 +18,26 @@ struct lcg {
         return static_cast<std::uint32_t>(state >> 32);
     }
 };
+
+// Names are written over reused strings (prefix + i, optionally + sep + j +
+// close): the benchmark's own share of the time is meant to stay small.
+void put(std::string& out, std::size_t n) {
+    char digits[24];
+    out.append(digits, std::to_chars(digits, digits + sizeof digits, n).ptr);
+}
+std::string& name(std::string& out, const char* prefix, std::size_t i) {
+    out.assign(prefix);
+    put(out, i);
+    return out;
+}
+std::string& name(std::string& out, const char* prefix, std::size_t i, char sep, std::size_t j,
+                  const char* close = "") {
+    name(out, prefix, i);
+    out.push_back(sep);
+    put(out, j);
+    out.append(close);
+    return out;
+}
 
 void fail(const char* what, const std::string& detail) {
     std::fprintf(stderr, "W1 failed: %s %s\n", what, detail.c_str());
@@ -41,84 +62,83 @@ kaldesign* design(kalcomponent* top) {
 }
 
 void create(kaldesign* d, std::size_t n) {
-    std::string acme("acme"), ip("ip"), v10("1.0"), clk("clk"), empty;
+    std::string acme("acme"), ip("ip"), v10("1.0"), clk("clk"), empty, bus("d"), a;
     const std::string types[4] = {"blk0", "blk1", "blk2", "blk3"};
+    std::string in[8], out[8];
+    for (int j = 0; j < 8; ++j) {
+        name(in[j], "i", j);
+        name(out[j], "o", j);
+    }
     for (std::size_t i = 0; i < n; ++i) {
         auto* c = new kalcomponent(&acme, &ip, &types[i % 4], &v10);
-        for (int j = 0; j < 8; ++j) {
-            std::string name = "i" + std::to_string(j);
-            c->addPort(&name, &name, 1, nullptr);
-        }
-        for (int j = 0; j < 8; ++j) {
-            std::string name = "o" + std::to_string(j);
-            c->addPort(&name, &name, 2, nullptr);
-        }
-        std::string bus("d");
+        for (int j = 0; j < 8; ++j)
+            c->addPort(&in[j], &in[j], 1, nullptr);
+        for (int j = 0; j < 8; ++j)
+            c->addPort(&out[j], &out[j], 2, nullptr);
         c->addPortbus(&bus, &bus, 31, 0, 2, nullptr);
-        std::string inst = "u" + std::to_string(i);
-        d->addInstance(&inst, c);
+        d->addInstance(&name(a, "u", i), c);
     }
     d->addNet(&clk, &clk, &empty, nullptr);
     for (std::size_t i = 0; i < n; ++i) {
         for (int j = 0; j < 8; ++j) {
-            std::string name = "n" + std::to_string(i) + "_" + std::to_string(j);
-            d->addNet(&name, &name, &empty, nullptr);
+            name(a, "n", i, '_', j);
+            d->addNet(&a, &a, &empty, nullptr);
         }
-        std::string bus = "b" + std::to_string(i);
-        d->addNetbus(&bus, &empty, &bus, 31, 0, nullptr);
+        name(a, "b", i);
+        d->addNetbus(&a, &empty, &a, 31, 0, nullptr);
     }
 }
 
 void drivers(kaldesign* d, std::size_t n) {
+    std::string inst, net, out[8], bit[32];
+    for (int j = 0; j < 8; ++j)
+        name(out[j], "o", j);
+    for (int k = 0; k < 32; ++k)
+        bit[k] = "d[" + std::to_string(k) + "]";
     for (std::size_t i = 0; i < n; ++i) {
-        std::string inst = "u" + std::to_string(i);
-        for (int j = 0; j < 8; ++j) {
-            std::string net = "n" + std::to_string(i) + "_" + std::to_string(j),
-                        port = "o" + std::to_string(j);
-            if (!d->connect(&net, &port, &inst)) fail("connect", net);
-        }
-        for (int k = 31; k >= 0; --k) {
-            std::string net = "b" + std::to_string(i) + "[" + std::to_string(k) + "]";
-            std::string port = "d[" + std::to_string(k) + "]";
-            if (!d->connect(&net, &port, &inst)) fail("connect", net);
-        }
+        name(inst, "u", i);
+        for (int j = 0; j < 8; ++j)
+            if (!d->connect(&name(net, "n", i, '_', j), &out[j], &inst)) fail("connect", net);
+        for (int k = 31; k >= 0; --k)
+            if (!d->connect(&name(net, "b", i, '[', k, "]"), &bit[k], &inst)) fail("connect", net);
     }
 }
 
 void clk(kaldesign* d, std::size_t n) {
-    std::string clk("clk"), empty, i0("i0");
+    std::string clk("clk"), empty, i0("i0"), inst;
     if (!d->connect(&clk, &clk, &empty)) fail("connect", "clk top port");
-    for (std::size_t i = 0; i < n; ++i) {
-        std::string inst = "u" + std::to_string(i);
-        if (!d->connect(&clk, &i0, &inst)) fail("connect clk", inst);
-    }
+    for (std::size_t i = 0; i < n; ++i)
+        if (!d->connect(&clk, &i0, &name(inst, "u", i))) fail("connect clk", inst);
 }
 
 void random(kaldesign* d, std::size_t n) {
     lcg rng;
+    std::string inst, net, in[8];
+    for (int j = 0; j < 8; ++j)
+        name(in[j], "i", j);
     for (std::size_t i = 0; i < n; ++i) {
-        std::string inst = "u" + std::to_string(i);
+        name(inst, "u", i);
         for (int j = 1; j <= 7; ++j) {
             std::size_t s = rng.next() % (n - 1);
             if (s >= i) ++s;
             std::uint32_t b = rng.next() % 8;
-            std::string net = "n" + std::to_string(s) + "_" + std::to_string(b),
-                        port = "i" + std::to_string(j);
-            if (!d->connect(&net, &port, &inst)) fail("connect", net);
+            if (!d->connect(&name(net, "n", s, '_', b), &in[j], &inst)) fail("connect", net);
         }
     }
 }
 
 void rename(kaldesign* d, std::size_t n) {
+    std::string from, to;
     for (std::size_t i = 0; i < n; i += 10) {
-        std::string from = "n" + std::to_string(i) + "_0", to = "r" + std::to_string(i) + "_0";
-        if (!d->changeNetName(&from, &to)) fail("rename", from);
+        name(from, "n", i, '_', 0);
+        if (!d->changeNetName(&from, &name(to, "r", i, '_', 0))) fail("rename", from);
     }
 }
 
 void remove(kaldesign* d, std::size_t n) {
+    std::string inst;
     for (std::size_t i = 5; i < n; i += 10) {
-        std::string inst = "u" + std::to_string(i);
+        name(inst, "u", i);
         kalcomponent* c = d->getInstance(&inst);
         delete c->data->generators;  // a component never frees its generator registry
         c->data->generators = nullptr;
