@@ -4,6 +4,7 @@
 #ifndef KALDATA_KALNET_H
 #define KALDATA_KALNET_H
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -77,6 +78,15 @@ public:
     /// as is a bus that no design ever held; the other bits survive without a bus
     /// link. A bus that kaldesign::removeNetbus() handed back only loses this bit.
     KALDATA_API ~kalnet();
+
+    /// Nets come from slabs that the library keeps per thread (a model has
+    /// millions of them, and a slab saves each its own allocation header); in
+    /// sanitizer builds they come from the global allocator. Allocate and free
+    /// them with plain new and delete; placement new works as usual.
+    KALDATA_API static void* operator new(std::size_t size);
+    KALDATA_API static void operator delete(void* object, std::size_t size);
+    static void* operator new(std::size_t, void* where) noexcept { return where; }
+    static void operator delete(void*, void*) noexcept {}
 
     /// @return the design that added it, or null.
     KALDATA_API kaldesign* getDesign() const;

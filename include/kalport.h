@@ -4,6 +4,7 @@
 #ifndef KALDATA_KALPORT_H
 #define KALDATA_KALPORT_H
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -87,6 +88,15 @@ public:
     /// and every dual port list that holds it, and clears its export partners'
     /// links. Sends no "port" record (kalcomponent::removePort() does).
     KALDATA_API ~kalport();
+
+    /// Ports come from slabs that the library keeps per thread (a model has
+    /// millions of them, and a slab saves each its own allocation header); in
+    /// sanitizer builds they come from the global allocator. Allocate and free
+    /// them with plain new and delete; placement new works as usual.
+    KALDATA_API static void* operator new(std::size_t size);
+    KALDATA_API static void operator delete(void* object, std::size_t size);
+    static void* operator new(std::size_t, void* where) noexcept { return where; }
+    static void operator delete(void*, void*) noexcept {}
 
     /// @return the component that added it, or null.
     KALDATA_API kalcomponent* getComponent() const;
