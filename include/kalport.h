@@ -5,6 +5,7 @@
 #define KALDATA_KALPORT_H
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -31,11 +32,12 @@ struct kalaccess;
 /// copy or assign one: the copy would share the names and links.
 class kalport : public kalattributes {
 private:
-    kalcomponent* component;
+    // The component, with the direction (0 to 3) in the pointer's two low bits:
+    // millions of ports, and the word saved takes a port from 56 to 48 bytes.
+    std::uintptr_t owner;
     const std::string* name;  // shared with every equal port name
     kalportbus* bus;
     kalnet* net;
-    int direction;
     // The second name where it differs from the name, the text, the export
     // partners and the dual port: few ports have any, so they live apart.
     struct extras;

@@ -118,13 +118,13 @@ void kalport::storeNames(const std::string* n, const std::string* second) {
 
 kalport::kalport(const std::string* name_, const std::string* secondName_, int direction_,
                  const std::string* text_)
-    : component(nullptr), name(nullptr), bus(nullptr), net(nullptr), direction(0), extra(nullptr) {
+    : owner(0), name(nullptr), bus(nullptr), net(nullptr), extra(nullptr) {
     if (!name_ || !secondName_ || !validDirection(direction_)) return;
     name =
         kalnames::acquire(*name_);  // one trip to the shared table when both names agree, as they mostly do
     if (*secondName_ != *name) more().secondName = kalnames::acquire(*secondName_);
     if (text_) more().text = new std::string(*text_);
-    direction = direction_;
+    owner = static_cast<std::uintptr_t>(direction_);
 }
 
 void kalport::setBus(kalportbus* b) {
@@ -171,7 +171,7 @@ bool kalport::exportTo(kalport* target) {
     unexport();
     if (kalport* previous = target->getExportedFrom()) previous->unexport();
     target->more().exportedFrom = this;
-    std::string value = exportFromValue(component, name);
+    std::string value = exportFromValue(getComponent(), name);
     target->setAttributeValue(&exportFromKey(), &value);
     more().exportedTo = target;
     return true;
@@ -217,9 +217,10 @@ bool kalport::operator==(const kalport& other) const {
     if (this == &other) return true;
     // Names are shared strings: equal text is the same pointer.
     if (name != other.name || getSecondName() != other.getSecondName()) return false;
-    if (component == other.component) return true;
-    if (!component || !other.component) return false;
-    return *component == *other.component;
+    kalcomponent *mine = getComponent(), *theirs = other.getComponent();
+    if (mine == theirs) return true;
+    if (!mine || !theirs) return false;
+    return *mine == *theirs;
 }
 
 bool kalport::operator!=(const kalport& other) const {
@@ -266,7 +267,7 @@ kalport::~kalport() {
 }
 
 kalcomponent* kalport::getComponent() const {
-    return component;
+    return reinterpret_cast<kalcomponent*>(owner & ~std::uintptr_t(3));
 }
 const std::string* kalport::getName() const {
     return name;
@@ -284,11 +285,12 @@ kalnet* kalport::getNet() const {
     return net;
 }
 int kalport::getDirection() const {
-    return direction;
+    return static_cast<int>(owner & 3);
 }
 
 void kalport::setComponent(kalcomponent* c) {
-    component = c;
+    static_assert(alignof(kalcomponent) >= 4, "the direction lives in the pointer's low bits");
+    owner = reinterpret_cast<std::uintptr_t>(c) | (owner & 3);
 }
 void kalport::setName(const std::string* n) {
     if (n) storeNames(kalnames::acquire(*n), kalnames::acquireOrNull(getSecondName()));
