@@ -14,6 +14,8 @@
 
 namespace {
 
+using portmap = std::map<std::string, kalport*>;
+
 template <class Map>
 typename Map::mapped_type find(Map& m, const std::string& name) {
     auto it = m.find(name);
@@ -31,18 +33,27 @@ kalcomponent* resolveOwner(kalcomponent* self, const std::string& path, std::str
     return self->getComponent(owner.get());
 }
 
-// addPort's work, with one descent of the port map: answers the port the
-// name maps to, new or not (null when the name maps to no port).
+// addPort's work: answers the port the name maps to, new or not (null when
+// the name maps to no port). `hint` is where the previous name went: names
+// mostly arrive in order (i0 ... o7, d[0] ... d[9], d[10] ...), and a name
+// that belongs beside the hint costs no descent of the map.
 kalport* placePort(kalcomponent* c, const std::string& name, const std::string& second, int direction,
-                   const std::string* text, bool& added) {
+                   const std::string* text, bool& added, portmap::iterator& hint) {
     auto& ports = c->data->ports;
-    auto at = ports.lower_bound(name);
-    added = at == ports.end() || at->first != name;
+    const std::size_t before = ports.size();
+    auto at = ports.emplace_hint(hint, name, nullptr);
+    hint = at;
+    added = ports.size() != before;
     if (!added) return at->second;
-    auto* port = new kalport(&name, &second, direction, text);
-    ports.emplace_hint(at, name, port);
-    kalaccess::setComponent(port, c);
-    return port;
+    try {
+        at->second = new kalport(&name, &second, direction, text);
+    } catch (...) {
+        hint = ports.end();
+        ports.erase(at);
+        throw;
+    }
+    kalaccess::setComponent(at->second, c);
+    return at->second;
 }
 
 }  // namespace
@@ -50,7 +61,8 @@ kalport* placePort(kalcomponent* c, const std::string& name, const std::string& 
 int kalcomponent::addPort(const std::string* name, const std::string* second, int direction,
                           const std::string* fourth) {
     bool added = false;
-    if (name && second) placePort(this, *name, *second, direction, fourth, added);
+    auto hint = data->ports.end();
+    if (name && second) placePort(this, *name, *second, direction, fourth, added, hint);
     return added ? 1 : 0;
 }
 
@@ -63,13 +75,15 @@ int kalcomponent::addPortbus(const std::string* name, const std::string* second,
     unsigned int low = msb < lsb ? msb : lsb, high = msb < lsb ? lsb : msb;
     std::string bitName, bitSecond;
     const bool samePair = *second == *name;
+    auto hint = data->ports.end();
     for (unsigned long long i = low; i <= high; ++i) {
         const unsigned int bit = static_cast<unsigned int>(i);
         kalbits::nameBit(bitName, *name, bit);
         if (!samePair) kalbits::nameBit(bitSecond, *second, bit);
         bool added;
         // An existing port of that name becomes the bit.
-        kalport* port = placePort(this, bitName, samePair ? bitName : bitSecond, direction, fourth, added);
+        kalport* port =
+            placePort(this, bitName, samePair ? bitName : bitSecond, direction, fourth, added, hint);
         if (!port) continue;
         kalbusties::place(bus, kalbits::slot(bit, msb), port);
     }
