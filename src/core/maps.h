@@ -14,12 +14,15 @@ typename Map::mapped_type find(const Map& m, const std::string* name) {
     return it == m.end() ? nullptr : it->second;
 }
 
-// Destroys every entry in name order and empties the map.
+// Destroys every entry in name order and empties the map. Each node goes
+// right after its entry, while it is at hand: clearing the map afterwards
+// walked millions of nodes a second time, from memory.
 template <class Map>
 void destroyAll(Map& m) {
-    for (auto& entry : m)
-        delete entry.second;
-    m.clear();
+    for (auto it = m.begin(); it != m.end();) {
+        delete it->second;
+        it = m.erase(it);
+    }
 }
 
 }  // namespace kalmaps
