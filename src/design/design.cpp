@@ -233,13 +233,10 @@ bool kaldesign::addNet(const std::string* name, const std::string* secondName, c
 kalnet* kaldesign::placeNet(const std::string& name, const std::string& secondName, const std::string* type,
                             const std::string* text, bool& added) {
     static const std::string typeKey("type");
-    kalnetindex& nets = *data->netIndex;
-    auto at = nets.find(name);
-    added = at == data->getNetMap()->end();
-    if (!added) return at->second;
-    auto* net = new kalnet(&name, &secondName, text);
+    kalnet* net = data->netIndex->place(
+        name, [&] { return new kalnet(&name, &secondName, text); }, added);
+    if (!added) return net;
     if (type && !type->empty()) net->setAttribute(&typeKey, type, &kalidentity::spirit);
-    nets.emplace(name, net);
     kalaccess::setDesign(net, this);
     return net;
 }

@@ -8,6 +8,8 @@
 #ifndef KALDATA_SRC_DESIGN_NAMEINDEX_H
 #define KALDATA_SRC_DESIGN_NAMEINDEX_H
 
+#include <cstdint>
+#include <cstring>
 #include <functional>
 #include <map>
 #include <string>
@@ -28,6 +30,10 @@ struct kalnameindex {
     bool contains(const std::string& name) { return find(name) != entries.end(); }
     // The map's own operations, with the index kept in step.
     bool emplace(const std::string& name, T* value);
+    // The value under `name`; when there is none, make()'s, entered under it
+    // (added tells which). One hash and one probe serve both.
+    template <class Make>
+    T* place(const std::string& name, Make make, bool& added);
     void erase(typename map_t::iterator at);
     void erase(const std::string& name);
     // What is wrong with the index, or null (for kalverify). A stale index
@@ -79,23 +85,55 @@ struct kalinstanceindex : kalnameindex<kalcomponent> {
 // and a run touches a cache line or two of the table instead of one per name.
 // Any other name hashes whole. The hash only places names: every hit is still
 // confirmed against the map's key.
-template <class T>
-std::size_t kalnameindex<T>::hashOf(const std::string& name) {
-    std::size_t end = name.size();
-    const bool bracket = end && name[end - 1] == ']';
-    if (bracket) --end;
-    std::size_t first = end;
-    while (first > 0 && end - first < 9 && name[first - 1] >= '0' && name[first - 1] <= '9')
-        --first;
-    if (first == end) return std::hash<std::string>()(name);
-    std::size_t number = 0;
-    for (std::size_t k = first; k < end; ++k)
-        number = number * 10 + static_cast<std::size_t>(name[k] - '0');
-    std::size_t h = std::hash<std::string_view>()(std::string_view(name.data(), first));
-    h ^= ((number >> 4) << 1 | (bracket ? 1u : 0u)) * 0x9E3779B97F4A7C15ull;
+namespace kalnamehash {
+
+// Names are short: eight bytes a step, the last few in at most two loads
+// (never past the end), then a final mix. Cheaper than the library's hash for
+// a few bytes.
+inline std::uint64_t tail(const char* p, std::size_t n) {
+    if (n >= 4) {
+        std::uint32_t a, b;
+        std::memcpy(&a, p, 4);
+        std::memcpy(&b, p + n - 4, 4);
+        return a | static_cast<std::uint64_t>(b) << 32;
+    }
+    if (n == 0) return 0;
+    auto byte = [&](std::size_t k) { return static_cast<std::uint64_t>(static_cast<unsigned char>(p[k])); };
+    return byte(0) | byte(n >> 1) << 8 | byte(n - 1) << 16;
+}
+
+inline std::uint64_t bytes(const char* p, std::size_t n, std::uint64_t seed) {
+    std::uint64_t h = seed ^ (n * 0x9E3779B97F4A7C15ull);
+    for (; n >= 8; p += 8, n -= 8) {
+        std::uint64_t w;
+        std::memcpy(&w, p, 8);
+        h = (h ^ w) * 0xBF58476D1CE4E5B9ull;
+        h ^= h >> 31;
+    }
+    h = (h ^ tail(p, n)) * 0x94D049BB133111EBull;
     h ^= h >> 29;
     h *= 0xBF58476D1CE4E5B9ull;
-    h ^= h >> 32;
+    return h ^ (h >> 32);
+}
+
+}  // namespace kalnamehash
+
+template <class T>
+std::size_t kalnameindex<T>::hashOf(const std::string& name) {
+    const char* text = name.data();
+    std::size_t end = name.size();
+    const bool bracket = end && text[end - 1] == ']';
+    if (bracket) --end;
+    std::size_t first = end, number = 0, scale = 1;
+    while (first > 0 && end - first < 9) {
+        const unsigned digit = static_cast<unsigned char>(text[first - 1]) - unsigned('0');
+        if (digit > 9) break;
+        --first;
+        number += digit * scale;
+        scale *= 10;
+    }
+    if (first == end) return kalnamehash::bytes(text, name.size(), 0);
+    const std::size_t h = kalnamehash::bytes(text, first, (number >> 4) << 1 | (bracket ? 1u : 0u));
     return h << 4 | (number & 15);
 }
 
@@ -159,6 +197,38 @@ bool kalnameindex<T>::emplace(const std::string& name, T* value) {
     if ((count + 1) * 2 > slots.size()) resize(slots.empty() ? 16 : slots.size() * 2);
     insertSlot(at, hashOf(name));
     return true;
+}
+
+template <class T>
+template <class Make>
+T* kalnameindex<T>::place(const std::string& name, Make make, bool& added) {
+    rebuildIfStale();
+    const std::size_t hash = hashOf(name);
+    if (!slots.empty()) {
+        const std::size_t mask = slots.size() - 1;
+        for (std::size_t i = hash & mask; slots[i].at != entries.end(); i = (i + 1) & mask)
+            if (slots[i].hash == hash && slots[i].at->first == name) {
+                added = false;
+                return slots[i].at->second;
+            }
+    }
+    const std::size_t before = entries.size();
+    auto at = entries.emplace_hint(last, name, nullptr);
+    added = entries.size() != before;
+    if (!added) {  // the map was changed from outside: its entry answers, and the index is rebuilt
+        count = entries.size() + 1;
+        return at->second;
+    }
+    try {
+        at->second = make();
+    } catch (...) {
+        entries.erase(at);
+        throw;
+    }
+    last = at;
+    if ((count + 1) * 2 > slots.size()) resize(slots.empty() ? 16 : slots.size() * 2);
+    insertSlot(at, hash);
+    return at->second;
 }
 
 template <class T>
