@@ -19,24 +19,32 @@ struct lcg {
     }
 };
 
-// Names are written over reused strings (prefix + i, optionally + sep + j +
-// close): the benchmark's own share of the time is meant to stay small.
-void put(std::string& out, std::size_t n) {
-    char digits[24];
-    out.append(digits, std::to_chars(digits, digits + sizeof digits, n).ptr);
+// Names are formatted in a local buffer and written over a reused string in
+// one step (prefix + i, optionally + sep + j + close): the benchmark's own
+// share of the time is meant to stay small.
+char* put(char* at, std::size_t n) {
+    return std::to_chars(at, at + 20, n).ptr;
 }
 std::string& name(std::string& out, const char* prefix, std::size_t i) {
-    out.assign(prefix);
-    put(out, i);
-    return out;
+    char buffer[48];
+    char* at = buffer;
+    while (*prefix)
+        *at++ = *prefix++;
+    at = put(at, i);
+    return out.assign(buffer, static_cast<std::size_t>(at - buffer));
 }
 std::string& name(std::string& out, const char* prefix, std::size_t i, char sep, std::size_t j,
                   const char* close = "") {
-    name(out, prefix, i);
-    out.push_back(sep);
-    put(out, j);
-    out.append(close);
-    return out;
+    char buffer[48];
+    char* at = buffer;
+    while (*prefix)
+        *at++ = *prefix++;
+    at = put(at, i);
+    *at++ = sep;
+    at = put(at, j);
+    while (*close)
+        *at++ = *close++;
+    return out.assign(buffer, static_cast<std::size_t>(at - buffer));
 }
 
 void fail(const char* what, const std::string& detail) {

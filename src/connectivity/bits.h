@@ -35,13 +35,17 @@ void forEachSlot(const std::vector<T*>& slots, unsigned int first, unsigned int 
 }
 
 // name + "[" + bit + "]", written over `out`: buses name every bit, and
-// reusing one buffer keeps the names off the heap.
+// reusing one buffer keeps the names off the heap. A buffer that already
+// starts with the name (the bus's previous bit) only has its suffix replaced.
 inline void nameBit(std::string& out, const std::string& name, unsigned int bit) {
     char suffix[12] = {'['};
     char* end = std::to_chars(suffix + 1, suffix + sizeof suffix - 1, bit).ptr;
     *end++ = ']';
-    out.assign(name);
-    out.append(suffix, end);
+    const std::size_t stem = name.size();
+    if (out.size() > stem && out[stem] == '[' && out.compare(0, stem, name) == 0)
+        out.replace(stem, std::string::npos, suffix, static_cast<std::size_t>(end - suffix));
+    else
+        out.assign(name).append(suffix, end);
 }
 
 }  // namespace kalbits
