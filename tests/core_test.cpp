@@ -39,6 +39,23 @@ TEST(attributes, vendor_map_is_loose_and_copies_never_overwrite) {
     EXPECT_EQ(*a.getAttributeValue(S("X")), "3");
     EXPECT_EQ(a.getVendorMap().at("X"), "C");
     EXPECT_EQ(*a.getLibrary(), "lib");
+
+    // A name with a stale vendor only: absent from the value map, and a merge
+    // fills its value but not its vendor.
+    a.setAttribute(S("Y"), S("y"), S("OLD"));
+    a.removeAttribute(S("Y"));
+    EXPECT_EQ(a.getValueMap().count("Y"), 0u);
+    EXPECT_EQ(a.hasAttribute(S("Y")), 0);
+    other.setAttribute(S("Y"), S("theirs"), S("NEW"));
+    a.copyAttributesFrom(other);
+    EXPECT_EQ(*a.getAttributeValue(S("Y")), "theirs");
+    EXPECT_EQ(a.getVendorMap().at("Y"), "OLD");
+    // A value handed back in is read before it is replaced.
+    a.setAttribute(S("Z"), a.getAttributeValue(S("Y")), a.getAttributeValue(S("X")));
+    a.setAttribute(S("Y"), a.getAttributeValue(S("Y")), a.getAttributeValue(S("Z")));
+    EXPECT_EQ(*a.getAttributeValue(S("Y")), "theirs");
+    EXPECT_EQ(a.getVendorMap().at("Y"), "theirs");
+    EXPECT_EQ(a.getVendorMap().at("Z"), "3");
 }
 
 TEST(utilities, names_split_and_join_with_empty_pieces) {
