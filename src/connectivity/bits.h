@@ -6,6 +6,7 @@
 
 #include <charconv>
 #include <cstddef>
+#include <cstring>
 #include <string>
 #include <vector>
 
@@ -35,17 +36,20 @@ void forEachSlot(const std::vector<T*>& slots, unsigned int first, unsigned int 
 }
 
 // name + "[" + bit + "]", written over `out`: buses name every bit, and
-// reusing one buffer keeps the names off the heap. A buffer that already
-// starts with the name (the bus's previous bit) only has its suffix replaced.
+// reusing one buffer keeps the names off the heap. A usual name is composed
+// on the stack and assigned in one step.
 inline void nameBit(std::string& out, const std::string& name, unsigned int bit) {
-    char suffix[12] = {'['};
-    char* end = std::to_chars(suffix + 1, suffix + sizeof suffix - 1, bit).ptr;
-    *end++ = ']';
+    char text[64];
     const std::size_t stem = name.size();
-    if (out.size() > stem && out[stem] == '[' && out.compare(0, stem, name) == 0)
-        out.replace(stem, std::string::npos, suffix, static_cast<std::size_t>(end - suffix));
-    else
-        out.assign(name).append(suffix, end);
+    if (stem + 12 > sizeof text) {
+        out.assign(name).append(1, '[').append(std::to_string(bit)).append(1, ']');
+        return;
+    }
+    std::memcpy(text, name.data(), stem);
+    text[stem] = '[';
+    char* end = std::to_chars(text + stem + 1, text + sizeof text - 1, bit).ptr;
+    *end++ = ']';
+    out.assign(text, static_cast<std::size_t>(end - text));
 }
 
 }  // namespace kalbits
