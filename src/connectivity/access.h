@@ -19,6 +19,8 @@
 class kalcomponent;
 
 struct kalaccess {
+    // Nets. Connects a port the caller found not to be on the net (one scan of its list, not two).
+    static void join(kalnet* n, kalport* p, bool flag) { n->append(p, flag); }
     // Ports. Name and component are part of a net's lookup key.
     static void setComponent(kalport* p, kalcomponent* c);
     static void setName(kalport* p, const std::string* n);

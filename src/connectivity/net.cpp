@@ -140,8 +140,13 @@ bool kalnet::isConnectedTo(kalport* port) {
 }
 
 void kalnet::connect(kalport* port, bool flag) {
+    if (!port || isConnectedTo(port)) return;
+    append(port, flag);
+}
+
+void kalnet::append(kalport* port, bool flag) {
     kalportlist list(ports);
-    if (!port || !list.present() || isConnectedTo(port)) return;
+    if (!list.present()) return;
     list.append(port);
     port->connect(this);
     if (flag) markClockSource(port, 1);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // Connection editing: attaching ports to existing nets and detaching them,
 // with the net pruned when it no longer joins a driver to a receiver.
+#include "connectivity/access.h"
 #include "core/text.h"
 #include "design/prune.h"
 #include "events/records.h"
@@ -17,7 +18,7 @@ bool kaldesign::connect(const std::string* netName, const std::string* portName,
     if (!portName || !netName) return false;
     kalnet* net = getNet(netName);
     if (!net || !port || net->isConnectedTo(port)) return false;
-    net->connect(port, true);
+    kalaccess::join(net, port, true);
     kalrecords::netAdded(net, port);
     return true;
 }
