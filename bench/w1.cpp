@@ -43,8 +43,16 @@ counts measure(kaldesign* d) {
     c.instances = d->data->getInstanceMap()->size();
     c.nets = d->data->getNetMap()->size();
     c.netbuses = d->data->getNetbusMap()->size();
-    for (auto& n : *d->data->getNetMap())
+    // The walk asks for each net a few entries ahead, so that reading the
+    // nets overlaps with walking the map (the check is the benchmark's own cost).
+    auto& nets = *d->data->getNetMap();
+    auto ahead = nets.begin();
+    for (int k = 0; k < 8 && ahead != nets.end(); ++k)
+        ++ahead;
+    for (auto& n : nets) {
+        if (ahead != nets.end()) __builtin_prefetch((ahead++)->second);
         c.portRefs += n.second->getPorts().size();
+    }
     std::string clk("clk");
     kalnet* net = d->getNet(&clk);
     c.clkPorts = net ? net->getPorts().size() : 0;
