@@ -60,7 +60,11 @@ private:
     static std::size_t hashOf(const std::string& name);
     void insertSlot(typename map_t::iterator at, std::size_t hash);
     void resize(std::size_t slots);
-    void rebuildIfStale();
+    // The check is inline (it runs before every lookup); the rebuild is not.
+    void rebuildIfStale() {
+        if (count != entries.size() || (slots.empty() && !entries.empty())) rebuild();
+    }
+    void rebuild();
 
     map_t& entries;
     std::vector<slot> slots;  // open addressing, linear probing; end() marks a free slot
@@ -138,8 +142,7 @@ std::size_t kalnameindex<T>::hashOf(const std::string& name) {
 }
 
 template <class T>
-void kalnameindex<T>::rebuildIfStale() {
-    if (count == entries.size() && (!slots.empty() || entries.empty())) return;
+void kalnameindex<T>::rebuild() {
     last = entries.end();
     std::size_t size = 16;
     while (size < entries.size() * 2)
