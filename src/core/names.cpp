@@ -6,6 +6,8 @@
 #include <type_traits>
 #include <unordered_map>
 
+#include "core/hash.h"
+
 namespace {
 
 // One shared name: the text first, so that the pointer handed out is the
@@ -25,7 +27,7 @@ entry* entryOf(const std::string* s) {
 // the entries' own text.
 struct table {
     std::mutex lock;
-    std::unordered_map<std::string_view, entry*> entries;
+    std::unordered_map<std::string_view, entry*, kalnamehasher> entries;
 };
 
 table& shared() {

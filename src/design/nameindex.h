@@ -8,13 +8,13 @@
 #ifndef KALDATA_SRC_DESIGN_NAMEINDEX_H
 #define KALDATA_SRC_DESIGN_NAMEINDEX_H
 
-#include <cstdint>
-#include <cstring>
 #include <functional>
 #include <map>
 #include <string>
 #include <string_view>
 #include <vector>
+
+#include "core/hash.h"
 
 class kalnet;
 class kalcomponent;
@@ -89,38 +89,6 @@ struct kalinstanceindex : kalnameindex<kalcomponent> {
 // and a run touches a cache line or two of the table instead of one per name.
 // Any other name hashes whole. The hash only places names: every hit is still
 // confirmed against the map's key.
-namespace kalnamehash {
-
-// Names are short: eight bytes a step, the last few in at most two loads
-// (never past the end), then a final mix. Cheaper than the library's hash for
-// a few bytes.
-inline std::uint64_t tail(const char* p, std::size_t n) {
-    if (n >= 4) {
-        std::uint32_t a, b;
-        std::memcpy(&a, p, 4);
-        std::memcpy(&b, p + n - 4, 4);
-        return a | static_cast<std::uint64_t>(b) << 32;
-    }
-    if (n == 0) return 0;
-    auto byte = [&](std::size_t k) { return static_cast<std::uint64_t>(static_cast<unsigned char>(p[k])); };
-    return byte(0) | byte(n >> 1) << 8 | byte(n - 1) << 16;
-}
-
-inline std::uint64_t bytes(const char* p, std::size_t n, std::uint64_t seed) {
-    std::uint64_t h = seed ^ (n * 0x9E3779B97F4A7C15ull);
-    for (; n >= 8; p += 8, n -= 8) {
-        std::uint64_t w;
-        std::memcpy(&w, p, 8);
-        h = (h ^ w) * 0xBF58476D1CE4E5B9ull;
-        h ^= h >> 31;
-    }
-    h = (h ^ tail(p, n)) * 0x94D049BB133111EBull;
-    h ^= h >> 29;
-    h *= 0xBF58476D1CE4E5B9ull;
-    return h ^ (h >> 32);
-}
-
-}  // namespace kalnamehash
 
 template <class T>
 std::size_t kalnameindex<T>::hashOf(const std::string& name) {
@@ -136,8 +104,8 @@ std::size_t kalnameindex<T>::hashOf(const std::string& name) {
         number += digit * scale;
         scale *= 10;
     }
-    if (first == end) return kalnamehash::bytes(text, name.size(), 0);
-    const std::size_t h = kalnamehash::bytes(text, first, (number >> 4) << 1 | (bracket ? 1u : 0u));
+    if (first == end) return kalhash::bytes(text, name.size(), 0);
+    const std::size_t h = kalhash::bytes(text, first, (number >> 4) << 1 | (bracket ? 1u : 0u));
     return h << 4 | (number & 15);
 }
 
