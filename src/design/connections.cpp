@@ -3,6 +3,7 @@
 // with the net pruned when it no longer joins a driver to a receiver.
 #include "connectivity/access.h"
 #include "core/text.h"
+#include "design/nameindex.h"
 #include "design/prune.h"
 #include "events/records.h"
 #include "kalcomponent.h"
@@ -12,11 +13,15 @@
 
 bool kaldesign::connect(const std::string* netName, const std::string* portName,
                         const std::string* instanceName) {
+    if (!netName) return false;
+    // The net's slot in the index is asked for first, so that its cache miss
+    // overlaps with finding the port.
+    const std::size_t hash = data->netIndex->expect(*netName);
     // The instance is looked up as a hierarchical path first, then among this design's own instances.
     kalcomponent* found = owner ? owner->getComponent(instanceName) : nullptr;
     kalport* port = found ? found->getPort(portName, false) : getComponentPort(portName, instanceName);
-    if (!portName || !netName) return false;
-    kalnet* net = getNet(netName);
+    if (!portName) return false;
+    kalnet* net = data->netIndex->lookup(*netName, hash);
     if (!net || !port || net->isConnectedTo(port)) return false;
     kalaccess::join(net, port, true);
     kalrecords::netAdded(net, port);

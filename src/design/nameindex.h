@@ -27,6 +27,15 @@ struct kalnameindex {
 
     typename map_t::iterator find(const std::string& name);
     T* lookup(const std::string* name);  // null when missing
+    // Starts reading the name's home slot, for a lookup that follows other
+    // work: the slot's cache miss then overlaps with it. The hash is returned
+    // for lookup(name, hash).
+    std::size_t expect(const std::string& name) {
+        const std::size_t hash = hashOf(name);
+        if (count == entries.size() && !slots.empty()) __builtin_prefetch(&slots[hash & (slots.size() - 1)]);
+        return hash;
+    }
+    T* lookup(const std::string& name, std::size_t hash);
     bool contains(const std::string& name) { return find(name) != entries.end(); }
     // The map's own operations, with the index kept in step.
     bool emplace(const std::string& name, T* value);
@@ -149,6 +158,16 @@ typename kalnameindex<T>::map_t::iterator kalnameindex<T>::find(const std::strin
     for (std::size_t i = hash & mask; slots[i].at != entries.end(); i = (i + 1) & mask)
         if (slots[i].hash == hash && slots[i].at->first == name) return slots[i].at;
     return entries.end();
+}
+
+template <class T>
+T* kalnameindex<T>::lookup(const std::string& name, std::size_t hash) {
+    rebuildIfStale();
+    if (slots.empty()) return nullptr;
+    const std::size_t mask = slots.size() - 1;
+    for (std::size_t i = hash & mask; slots[i].at != entries.end(); i = (i + 1) & mask)
+        if (slots[i].hash == hash && slots[i].at->first == name) return slots[i].at->second;
+    return nullptr;
 }
 
 template <class T>
