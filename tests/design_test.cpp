@@ -181,3 +181,29 @@ TEST_F(design, numbered_runs_stay_exact_through_removals_and_renames) {
     EXPECT_EQ(d->getNet(S("c3[37]")), nullptr);
     EXPECT_EQ(d->getNet(S("v0007")), nullptr);
 }
+
+// An instance is looked up port after port, and the latest hit is tried first:
+// it must never outlive its entry, whichever way the entry goes.
+TEST_F(design, repeated_instance_lookups_follow_removals_and_outside_changes) {
+    kalcomponent* u1 = inst("u1");
+    EXPECT_EQ(d->getInstance(S("u1")), u1);
+    EXPECT_EQ(d->getInstance(S("u1")), u1);  // the repeated hit
+    releaseLeftovers(u1);                    // what the component never frees
+    ASSERT_TRUE(d->removeInstance(S("u1")));
+    EXPECT_EQ(d->getInstance(S("u1")), nullptr);
+    kalcomponent* again = inst("u1");
+    EXPECT_EQ(d->getInstance(S("u1")), again);
+    EXPECT_EQ(d->getInstance(S("u2")), nullptr);  // a miss leaves nothing behind
+    EXPECT_EQ(d->getInstance(S("u1")), again);
+    // An entry taken out of the public map by hand: the index notices the size.
+    auto& map = *d->data->getInstanceMap();
+    kalcomponent* taken = map.at("u1");
+    map.erase("u1");
+    EXPECT_EQ(d->getInstance(S("u1")), nullptr);
+    map.emplace("u1", taken);
+    EXPECT_EQ(d->getInstance(S("u1")), taken);
+    d->removeAllInstances();
+    EXPECT_EQ(d->getInstance(S("u1")), nullptr);
+    releaseLeftovers(taken);
+    delete taken;
+}

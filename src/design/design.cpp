@@ -128,7 +128,7 @@ void kaldesign::removeAttribute(const std::string* key) {
 
 kalcomponent* kaldesign::getInstance(const std::string* name) {
     if (!name || name->empty()) return owner;
-    return data->instanceIndex->lookup(name);
+    return data->instanceIndex->lookupAgain(*name);
 }
 
 kalport* kaldesign::getComponentPort(const std::string* portName, const std::string* instanceName) {

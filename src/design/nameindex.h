@@ -27,6 +27,15 @@ struct kalnameindex {
 
     typename map_t::iterator find(const std::string& name);
     T* lookup(const std::string* name);  // null when missing
+    // lookup() for names that repeat: the latest hit is tried before hashing.
+    T* lookupAgain(const std::string& name) {
+        rebuildIfStale();
+        if (recent == entries.end() || recent->first != name) {
+            recent = find(name);
+            if (recent == entries.end()) return nullptr;
+        }
+        return recent->second;
+    }
     // Starts reading the name's home slot, for a lookup that follows other
     // work: the slot's cache miss then overlaps with it. The hash is returned
     // for lookup(name, hash).
@@ -52,13 +61,13 @@ struct kalnameindex {
     void shed() {
         std::vector<slot>().swap(slots);
         count = 0;
-        last = entries.end();
+        last = recent = entries.end();
     }
     void clear() {
         entries.clear();
         slots.clear();
         count = 0;
-        last = entries.end();
+        last = recent = entries.end();
     }
 
 private:
@@ -82,6 +91,8 @@ private:
     // in the map (a bus's bits, n1_0, n1_1, ...), and a hint next to the right
     // place turns the tree's descent into a constant-time insertion.
     typename map_t::iterator last = entries.end();
+    // The latest hit of lookupAgain(): an instance is wired port after port.
+    typename map_t::iterator recent = entries.end();
 };
 
 struct kalnetindex : kalnameindex<kalnet> {
@@ -120,7 +131,7 @@ std::size_t kalnameindex<T>::hashOf(const std::string& name) {
 
 template <class T>
 void kalnameindex<T>::rebuild() {
-    last = entries.end();
+    last = recent = entries.end();
     std::size_t size = 16;
     while (size < entries.size() * 2)
         size *= 2;
@@ -229,6 +240,7 @@ void kalnameindex<T>::erase(typename map_t::iterator at) {
     while (slots[i].at != at) {
         if (slots[i].at == entries.end()) {  // not indexed: the map was changed from outside
             if (at == last) last = entries.end();
+            if (at == recent) recent = entries.end();
             entries.erase(at);
             count = entries.size() + 1;  // forces a rebuild before the next use
             return;
@@ -248,6 +260,7 @@ void kalnameindex<T>::erase(typename map_t::iterator at) {
     slots[gap].at = entries.end();
     --count;
     if (at == last) last = entries.end();
+    if (at == recent) recent = entries.end();
     entries.erase(at);
 }
 
