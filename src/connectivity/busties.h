@@ -163,15 +163,7 @@ bool drain(B* bus, Registered registered, Handle handle) {
 // As above, for a bus that no handler can destroy.
 template <class B, class Handle>
 void drain(B* bus, Handle handle) {
-    for (;;) {
-        auto* slots = kalaccess::slots(bus);
-        if (!slots) return;
-        auto at = std::find_if(slots->begin(), slots->end(), [](const auto* m) { return m != nullptr; });
-        if (at == slots->end()) return;
-        auto* m = *at;
-        release(bus, m);
-        handle(m);
-    }
+    drain(bus, [] { return true; }, handle);
 }
 
 // The member is being destroyed: no slot may keep it.
