@@ -83,9 +83,13 @@ public:
     /// millions of them, and a slab saves each its own allocation header); in
     /// sanitizer builds they come from the global allocator. Allocate and free
     /// them with plain new and delete; placement new works as usual.
+    /// @return storage for one net (a derived type of another size gets the global allocator's).
     KALDATA_API static void* operator new(std::size_t size);
+    /// Gives back what operator new() handed out; `size` tells a derived type apart.
     KALDATA_API static void operator delete(void* object, std::size_t size);
+    /// Placement new, which the class allocation functions would otherwise hide.
     static void* operator new(std::size_t, void* where) noexcept { return where; }
+    /// The placement delete that a throwing constructor after placement new calls.
     static void operator delete(void*, void*) noexcept {}
 
     /// @return the design that added it, or null.
