@@ -207,3 +207,26 @@ TEST_F(design, repeated_instance_lookups_follow_removals_and_outside_changes) {
     releaseLeftovers(taken);
     delete taken;
 }
+
+// A net whose list grew large is remembered by name and destroyed first with
+// the design. A stale name (the net renamed, another net under the old name,
+// or the net removed) must reach a live net or none.
+TEST_F(design, crowded_nets_go_first_and_stale_names_reach_no_freed_net) {
+    for (const char* name : {"big", "other", "gone"})
+        ASSERT_TRUE(d->addNet(S(name), S(name), S(""), nullptr));
+    std::vector<kalcomponent*> loads;
+    for (int k = 0; k < 4100; ++k) {
+        kalcomponent* c = inst(("u" + std::to_string(k)).c_str());
+        c->addPort(S("a"), S("a"), 1, nullptr);
+        c->addPort(S("b"), S("b"), 1, nullptr);
+        ASSERT_TRUE(d->connect(S("big"), S("a"), S(("u" + std::to_string(k)).c_str())));
+        ASSERT_TRUE(d->connect(S("gone"), S("b"), S(("u" + std::to_string(k)).c_str())));
+    }
+    ASSERT_TRUE(d->changeNetName(S("big"), S("renamed")));
+    ASSERT_TRUE(d->changeNetName(S("other"), S("big")));  // the old name now names a small net
+    kalrecorder::setNullObjects(true);                     // the removal's records are not the point
+    ASSERT_TRUE(d->removeNet(S("gone")));
+    kalrecorder::setNullObjects(false);
+    EXPECT_EQ(d->getNet(S("renamed"))->getPorts().size(), 4100u);
+    EXPECT_MODEL_OK(top);
+}

@@ -24,6 +24,7 @@ bool kaldesign::connect(const std::string* netName, const std::string* portName,
     kalnet* net = data->netIndex->lookup(*netName, hash);
     if (!net || !port || net->isConnectedTo(port)) return false;
     kalaccess::join(net, port, true);
+    if (kalaccess::portList(net).size() == kalnetindex::crowd) data->netIndex->noteCrowded(*netName);
     kalrecords::netAdded(net, port);
     return true;
 }

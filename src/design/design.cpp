@@ -1,5 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <memory>
+#include <string>
+#include <utility>
+#include <vector>
 
 #include "connectivity/access.h"
 #include "connectivity/bits.h"
@@ -20,10 +23,18 @@ namespace {
 
 // The member is cleared before its entries die, so that a dying entry that
 // calls back into the design finds the map gone rather than half torn down.
+// The entries named in `first` die first.
 template <class Map>
-void destroyAll(Map*& member) {
+void destroyAll(Map*& member, const std::vector<std::string>& first = {}) {
     Map* m = member;
     member = nullptr;
+    for (const std::string& name : first) {
+        auto it = m->find(name);
+        if (it == m->end()) continue;
+        auto* value = it->second;
+        m->erase(it);
+        delete value;
+    }
     kalmaps::destroyAll(*m);
     delete m;
 }
@@ -62,8 +73,9 @@ kaldesigndata::~kaldesigndata() {
     destroyAll(dualPortbusMap);
     destroyAll(dualPortMap);
     destroyAll(netbusMap);
+    const std::vector<std::string> crowded = std::move(netIndex->crowded);
     delete netIndex;
-    destroyAll(netMap);
+    destroyAll(netMap, crowded);
     kalhandback::freeUnkeyed(this);  // the nets no key reached
     delete instanceIndex;
     destroyAll(instanceMap);

@@ -97,6 +97,19 @@ private:
 
 struct kalnetindex : kalnameindex<kalnet> {
     using kalnameindex::kalnameindex;
+
+    // Names of nets whose port list grew large through the design. Their
+    // lists go first when the design is destroyed: freed after millions of
+    // small blocks, each large one made malloc consolidate them all. Names,
+    // not nets: a stale name (renamed, removed) finds another net or none,
+    // never a freed one.
+    static constexpr std::size_t crowd = 4096;
+    void noteCrowded(const std::string& name) {
+        for (const std::string& known : crowded)
+            if (known == name) return;
+        crowded.push_back(name);
+    }
+    std::vector<std::string> crowded;
 };
 struct kalinstanceindex : kalnameindex<kalcomponent> {
     using kalnameindex::kalnameindex;
