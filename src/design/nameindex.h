@@ -25,7 +25,9 @@ struct kalnameindex {
 
     explicit kalnameindex(map_t& entries) : entries(entries) {}
 
-    typename map_t::iterator find(const std::string& name);
+    typename map_t::iterator find(const std::string& name) { return find(name, hashOf(name)); }
+    // The probe every lookup shares, for a name whose hash is known.
+    typename map_t::iterator find(const std::string& name, std::size_t hash);
     T* lookup(const std::string* name);  // null when missing
     // lookup() for names that repeat: the latest hit is tried before hashing.
     T* lookupAgain(const std::string& name) {
@@ -44,7 +46,10 @@ struct kalnameindex {
         if (count == entries.size() && !slots.empty()) __builtin_prefetch(&slots[hash & (slots.size() - 1)]);
         return hash;
     }
-    T* lookup(const std::string& name, std::size_t hash);
+    T* lookup(const std::string& name, std::size_t hash) {
+        auto it = find(name, hash);
+        return it == entries.end() ? nullptr : it->second;
+    }
     bool contains(const std::string& name) { return find(name) != entries.end(); }
     // The map's own operations, with the index kept in step.
     bool emplace(const std::string& name, T* value);
@@ -174,24 +179,13 @@ void kalnameindex<T>::resize(std::size_t size) {
 }
 
 template <class T>
-typename kalnameindex<T>::map_t::iterator kalnameindex<T>::find(const std::string& name) {
+typename kalnameindex<T>::map_t::iterator kalnameindex<T>::find(const std::string& name, std::size_t hash) {
     rebuildIfStale();
     if (slots.empty()) return entries.end();
     const std::size_t mask = slots.size() - 1;
-    const std::size_t hash = hashOf(name);
     for (std::size_t i = hash & mask; slots[i].at != entries.end(); i = (i + 1) & mask)
         if (slots[i].hash == hash && slots[i].at->first == name) return slots[i].at;
     return entries.end();
-}
-
-template <class T>
-T* kalnameindex<T>::lookup(const std::string& name, std::size_t hash) {
-    rebuildIfStale();
-    if (slots.empty()) return nullptr;
-    const std::size_t mask = slots.size() - 1;
-    for (std::size_t i = hash & mask; slots[i].at != entries.end(); i = (i + 1) & mask)
-        if (slots[i].hash == hash && slots[i].at->first == name) return slots[i].at->second;
-    return nullptr;
 }
 
 template <class T>
@@ -216,15 +210,11 @@ bool kalnameindex<T>::emplace(const std::string& name, T* value) {
 template <class T>
 template <class Make>
 T* kalnameindex<T>::place(const std::string& name, Make make, bool& added) {
-    rebuildIfStale();
     const std::size_t hash = hashOf(name);
-    if (!slots.empty()) {
-        const std::size_t mask = slots.size() - 1;
-        for (std::size_t i = hash & mask; slots[i].at != entries.end(); i = (i + 1) & mask)
-            if (slots[i].hash == hash && slots[i].at->first == name) {
-                added = false;
-                return slots[i].at->second;
-            }
+    auto found = find(name, hash);
+    if (found != entries.end()) {
+        added = false;
+        return found->second;
     }
     const std::size_t before = entries.size();
     auto at = entries.emplace_hint(last, name, nullptr);
