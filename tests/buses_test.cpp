@@ -176,3 +176,46 @@ TEST_F(buses, attributes_reach_only_filled_slots) {
 }
 
 }  // namespace
+
+// A bit's bus link and its rare fields share one word: the link must outlast
+// the side record's coming and going. Nets: a range change onto names other
+// nets hold leaves the bits unkeyed (a side record); the design's teardown
+// keys them again (the record goes) before each bit takes its bus down.
+TEST_F(buses, bits_keep_their_bus_while_a_side_record_comes_and_goes) {
+    ASSERT_TRUE(top->addNetbus(S("b"), S(""), S("b"), 1, 0, nullptr));
+    top->addNet(S("b[3]"), S("b[3]"), S(""), nullptr);
+    top->addNet(S("b[2]"), S("b[2]"), S(""), nullptr);
+    kalnetbus* nb = d->getNetbus(S("b"));
+    const std::vector<kalnet*> bits = nb->getBits();
+    auto linked = [&] {
+        for (kalnet* bit : bits)
+            if (bit->getBus() != nb) return false;
+        return nb->getBits() == bits;
+    };
+    ASSERT_TRUE(d->changeNetBusRange(S("b"), 3, 2));
+    ASSERT_EQ(*bits[0]->getName(), "b[3]");
+    EXPECT_NE(d->getNet(S("b[3]")), bits[0]);  // the other net kept the name
+    EXPECT_TRUE(linked());
+    EXPECT_MODEL_OK(top);
+
+    // Ports: a side record made while in a bus (an export), and one made
+    // before the bus (a text).
+    kalportbus pb(S("p"), S("p"), 1, 0, 1, nullptr);
+    kalport a(S("a"), S("a"), 1, nullptr), b(S("b"), S("b"), 2, nullptr), t(S("t"), S("t"), 1, S("text"));
+    kalnet n(S("n"), S("n"), nullptr);
+    for (kalport* bit : {&a, &t}) {
+        pb.connect(bit == &a ? 0 : 1, bit);
+        bit->setBus(&pb);
+    }
+    a.connect(&n);
+    b.connect(&n);
+    ASSERT_TRUE(a.exportTo(&b));
+    EXPECT_EQ(a.getBus(), &pb);
+    EXPECT_EQ(t.getBus(), &pb);
+    EXPECT_EQ(b.getExportedFrom(), &a);
+    pb.disconnect(0u);
+    a.unsetBus();
+    EXPECT_EQ(a.getBus(), nullptr);
+    EXPECT_EQ(a.getExportedTo(), &b);
+    EXPECT_EQ(pb.portAtIndex(1), &t);
+}

@@ -88,8 +88,8 @@ struct kalaccess {
     static std::vector<kalnet*>* ties(kalnetbus* b, bool make);
     static std::vector<kaldualportbus*>* ties(kaldualport* d, bool make);
     static std::vector<kaldualport*>* ties(kaldualportbus* b, bool make);
-    static void setLink(kalport* p, kalportbus* b) { p->bus = b; }
-    static void setLink(kalnet* n, kalnetbus* b) { n->bus = b; }
+    static void setLink(kalport* p, kalportbus* b);
+    static void setLink(kalnet* n, kalnetbus* b);
     static void setLink(kaldualport* d, kaldualportbus* b);
 
     // Nets record on the component whether a clock source joined or left.

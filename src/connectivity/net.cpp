@@ -78,7 +78,8 @@ struct kalnet::extras {
     // Equal twins that the net took off its list in another port's place: they
     // still point here, and lose that link when the net dies.
     std::vector<kalport*> unlisted;
-    bool unkeyed = false;  // in its design's unkeyed nets (design/handedback.h)
+    bool unkeyed = false;      // in its design's unkeyed nets (design/handedback.h)
+    kalnetbus* bus = nullptr;  // the link word's bus, moved here with the record
     ~extras() {
         delete second;
         delete text;
@@ -90,7 +91,7 @@ struct kalnet::extras {
 };
 
 std::vector<kalnetbus*>* kalaccess::ties(kalnet* n, bool make) {
-    return make || n->extra ? &n->more().busTies : nullptr;
+    return make || n->extra() ? &n->more().busTies : nullptr;
 }
 
 void kalaccess::twinUnlisted(kalnet* net, kalport* twin) {
@@ -99,38 +100,37 @@ void kalaccess::twinUnlisted(kalnet* net, kalport* twin) {
 }
 
 const std::vector<kalport*>* kalaccess::twins(const kalnet* n) {
-    return n->extra ? &n->extra->unlisted : nullptr;
+    return n->extra() ? &n->extra()->unlisted : nullptr;
 }
 
 bool kalaccess::unkeyed(const kalnet* n) {
-    return n->extra && n->extra->unkeyed;
+    return n->extra() && n->extra()->unkeyed;
 }
 void kalaccess::setUnkeyed(kalnet* n, bool unkeyed) {
-    if (!unkeyed && !n->extra) return;
+    if (!unkeyed && !n->extra()) return;
     n->more().unkeyed = unkeyed;
     n->tidy();
 }
 
 void kalaccess::linkEnded(kalnet* net, const kalport* p) {
-    if (!net->extra || net->extra->unlisted.empty()) return;
-    auto& twins = net->extra->unlisted;
+    if (!net->extra() || net->extra()->unlisted.empty()) return;
+    auto& twins = net->extra()->unlisted;
     twins.erase(std::remove(twins.begin(), twins.end(), p), twins.end());
     net->tidy();
 }
 
 kalnet::kalnet(const std::string* name_, const std::string* secondName_, const std::string* text_)
-    : design(nullptr), extra(nullptr), bus(nullptr), ports(nullptr) {
+    : design(nullptr), link(0), ports(nullptr) {
     if (!name_ || !secondName_) {
-        extra = new extras();
-        extra->nameless = extra->secondless = true;
+        more().nameless = more().secondless = true;
         ports = kalportlist::absent();
         return;
     }
     name = *name_;
     if (*secondName_ != name || text_) {
-        extra = new extras();
-        if (*secondName_ != name) extra->second = new std::string(*secondName_);
-        extra->text = kaltext::copyOf(text_);
+        extras& e = more();
+        if (*secondName_ != name) e.second = new std::string(*secondName_);
+        e.text = kaltext::copyOf(text_);
     }
 }
 
@@ -225,14 +225,13 @@ kalnet::~kalnet() {
     // Ports it took off its list may still point to it, also those that the
     // loop above took off: disconnecting one port takes out the first equal
     // entry, which may be its twin.
-    if (extra) {
-        const std::vector<kalport*> twins = std::move(extra->unlisted);
-        extra->unlisted.clear();
+    if (extra()) {
+        const std::vector<kalport*> twins = std::move(extra()->unlisted);
+        extra()->unlisted.clear();
         for (kalport* p : twins)
             if (p->getNet() == this) kalaccess::dropNet(p);
     }
-    if (bus) {
-        kalnetbus* b = bus;
+    if (kalnetbus* b = getBus()) {
         // As b->disconnect(this): the first equal slot goes, maybe a twin's.
         kalbusties::emptySlot(b, kalbusties::firstEqual(b, this), this);
         // A bus that removeNetbus handed back is the caller's: it loses this
@@ -245,32 +244,33 @@ kalnet::~kalnet() {
             b->getDesign()->removeNetbus(&busName);
         }
         // Deleting one bit net deletes its whole bus; the other bits survive.
-        if (bus && !callers) {
-            bus = nullptr;  // it may no longer hold this net, so would not clear the link
+        if (getBus() && !callers) {
+            setBusLink(nullptr);  // it may no longer hold this net, so would not clear the link
             delete b;
         }
     }
     kalbusties::memberGone(this);  // a bus kept by the caller, or buses other than its own
     if (kalaccess::unkeyed(this)) kalhandback::forget(this);
-    delete extra;
+    delete extra();
 }
 
 kaldesign* kalnet::getDesign() const {
     return design;
 }
 const std::string* kalnet::getName() const {
-    return extra && extra->nameless ? nullptr : &name;
+    return extra() && extra()->nameless ? nullptr : &name;
 }
 const std::string* kalnet::getSecondName() const {
-    if (!extra) return &name;
-    if (extra->second) return extra->second;
-    return extra->secondless ? nullptr : &name;
+    if (!extra()) return &name;
+    if (extra()->second) return extra()->second;
+    return extra()->secondless ? nullptr : &name;
 }
 const std::string* kalnet::getText() const {
-    return extra ? extra->text : nullptr;
+    return extra() ? extra()->text : nullptr;
 }
 kalnetbus* kalnet::getBus() const {
-    return bus;
+    const extras* e = extra();
+    return e ? e->bus : reinterpret_cast<kalnetbus*>(link);
 }
 std::vector<kalport*> kalnet::getPorts() const {
     return kalportlist(const_cast<kalport*&>(ports)).snapshot();
@@ -280,14 +280,29 @@ void kalnet::setDesign(kaldesign* d) {
     design = d;
 }
 kalnet::extras& kalnet::more() {
-    if (!extra) extra = new extras();
-    return *extra;
+    if (!extra()) {
+        auto* e = new extras();
+        e->bus = reinterpret_cast<kalnetbus*>(link);
+        link = reinterpret_cast<std::uintptr_t>(e) | 1;
+    }
+    return *extra();
+}
+
+void kalnet::setBusLink(kalnetbus* b) {
+    if (extras* e = extra())
+        e->bus = b;
+    else
+        link = reinterpret_cast<std::uintptr_t>(b);
+}
+void kalaccess::setLink(kalnet* n, kalnetbus* b) {
+    n->setBusLink(b);
 }
 
 void kalnet::tidy() {
-    if (extra && extra->plain()) {
-        delete extra;
-        extra = nullptr;
+    extras* e = extra();
+    if (e && e->plain()) {
+        link = reinterpret_cast<std::uintptr_t>(e->bus);
+        delete e;
     }
 }
 
@@ -297,11 +312,11 @@ void kalnet::setName(const std::string* n) {
     const std::string* second = getSecondName();
     if (second == &name && value != name) more().second = new std::string(name);  // keeps its value
     name.swap(value);
-    if (extra) {
-        extra->nameless = false;
-        if (extra->second && *extra->second == name) {  // equal names share again
-            delete extra->second;
-            extra->second = nullptr;
+    if (extra()) {
+        extra()->nameless = false;
+        if (extra()->second && *extra()->second == name) {  // equal names share again
+            delete extra()->second;
+            extra()->second = nullptr;
         }
     }
     tidy();
@@ -310,10 +325,10 @@ void kalnet::setName(const std::string* n) {
 void kalnet::setSecondName(const std::string* n) {
     if (!n) return;
     if (getName() && *n == name) {
-        if (extra) {
-            delete extra->second;
-            extra->second = nullptr;
-            extra->secondless = false;
+        if (extra()) {
+            delete extra()->second;
+            extra()->second = nullptr;
+            extra()->secondless = false;
         }
     } else {
         std::string* fresh = new std::string(*n);  // n may be the second name itself

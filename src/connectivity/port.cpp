@@ -47,6 +47,7 @@ struct kalport::extras {
     std::vector<kalnet*>* listedBy = nullptr;
     std::vector<kaldualport*> listers;  // dual ports whose lists hold it
     std::vector<kalportbus*> busTies;   // see busties.h
+    kalportbus* bus = nullptr;          // the link word's bus, moved here with the record
 };
 
 struct kalportbus::extras {
@@ -55,18 +56,32 @@ struct kalportbus::extras {
 };
 
 kalport::extras& kalport::more() {
-    if (!extra) extra = new extras();
-    return *extra;
+    if (!extra()) {
+        auto* e = new extras();
+        e->bus = reinterpret_cast<kalportbus*>(link);
+        link = reinterpret_cast<std::uintptr_t>(e) | 1;
+    }
+    return *extra();
+}
+
+void kalport::setBusLink(kalportbus* b) {
+    if (extras* e = extra())
+        e->bus = b;
+    else
+        link = reinterpret_cast<std::uintptr_t>(b);
+}
+void kalaccess::setLink(kalport* p, kalportbus* b) {
+    p->setBusLink(b);
 }
 
 std::vector<kalportbus*>* kalaccess::ties(kalport* p, bool make) {
-    return make || p->extra ? &p->more().busTies : nullptr;
+    return make || p->extra() ? &p->more().busTies : nullptr;
 }
 const std::vector<kalnet*>* kalaccess::listedBy(const kalport* p) {
-    return p->extra ? p->extra->listedBy : nullptr;
+    return p->extra() ? p->extra()->listedBy : nullptr;
 }
 std::vector<kaldualport*>* kalaccess::listers(kalport* p, bool make) {
-    return make || p->extra ? &p->more().listers : nullptr;
+    return make || p->extra() ? &p->more().listers : nullptr;
 }
 
 // ---- nets that list a port which left them ----
@@ -82,8 +97,8 @@ void kalaccess::portLeft(kalnet* net, kalport* p) {
 }
 
 void kalaccess::netUnlisted(kalport* p, const kalnet* net) {
-    if (!p->extra || !p->extra->listedBy) return;
-    auto& nets = *p->extra->listedBy;
+    if (!p->extra() || !p->extra()->listedBy) return;
+    auto& nets = *p->extra()->listedBy;
     nets.erase(std::remove(nets.begin(), nets.end(), net), nets.end());
 }
 
@@ -104,11 +119,11 @@ void unlistFrom(kalnet* net, const kalport* port) {
 // string, so a second name equal to the name is not stored apart.
 void kalport::storeNames(const std::string* n, const std::string* second) {
     const std::string* oldName = name;
-    const std::string* oldSecond = extra ? extra->secondName : nullptr;
+    const std::string* oldSecond = extra() ? extra()->secondName : nullptr;
     name = n;
     if (second == n) {
         kalnames::release(second);
-        if (extra) extra->secondName = nullptr;
+        if (extra()) extra()->secondName = nullptr;
     } else {
         more().secondName = second;
     }
@@ -118,7 +133,7 @@ void kalport::storeNames(const std::string* n, const std::string* second) {
 
 kalport::kalport(const std::string* name_, const std::string* secondName_, int direction_,
                  const std::string* text_)
-    : owner(0), name(nullptr), bus(nullptr), net(nullptr), extra(nullptr) {
+    : owner(0), name(nullptr), net(nullptr), link(0) {
     if (!name_ || !secondName_ || !validDirection(direction_)) return;
     name =
         kalnames::acquire(*name_);  // one trip to the shared table when both names agree, as they mostly do
@@ -134,7 +149,7 @@ void kalport::unsetBus() {
     kalbusties::setLink(this, static_cast<kalportbus*>(nullptr));
 }
 kaldualport* kalport::getDualPort() {
-    return extra ? extra->dualPort : nullptr;
+    return extra() ? extra()->dualPort : nullptr;
 }
 
 void kalport::connect(kalnet* n) {
@@ -180,15 +195,15 @@ bool kalport::exportTo(kalport* target) {
 void kalport::unexport() {
     kalport* target = getExportedTo();
     if (!target) return;
-    target->extra->exportedFrom = nullptr;
-    extra->exportedTo = nullptr;
+    target->extra()->exportedFrom = nullptr;
+    extra()->exportedTo = nullptr;
 }
 
 kalport* kalport::getExportedFrom() {
-    return extra ? extra->exportedFrom : nullptr;
+    return extra() ? extra()->exportedFrom : nullptr;
 }
 kalport* kalport::getExportedTo() {
-    return extra ? extra->exportedTo : nullptr;
+    return extra() ? extra()->exportedTo : nullptr;
 }
 
 std::vector<kalport*> kalport::getConnectedPorts() {
@@ -232,16 +247,16 @@ kalport::~kalport() {
     if (net) net->disconnect(this, true);
     // An equal twin listed first went in its place: this one is still listed.
     if (last) unlistFrom(last, this);
-    if (extra && extra->listedBy) {
-        for (kalnet* n : *extra->listedBy)
+    if (extra() && extra()->listedBy) {
+        for (kalnet* n : *extra()->listedBy)
             unlistFrom(n, this);
-        delete extra->listedBy;
-        extra->listedBy = nullptr;
+        delete extra()->listedBy;
+        extra()->listedBy = nullptr;
     }
     // A net that took an equal twin off its list in this port's place still
     // counts on clearing this link.
     if (net) kalaccess::linkEnded(net, this);
-    if (bus) {  // as bus->disconnect(this): the first equal slot goes, maybe a twin's
+    if (kalportbus* bus = getBus()) {  // as bus->disconnect(this): the first equal slot goes, maybe a twin's
         kalbusties::emptySlot(bus, kalbusties::firstEqual(bus, this), this);
     }
     kalbusties::memberGone(this);
@@ -249,21 +264,21 @@ kalport::~kalport() {
     // The key can miss (a root component whose "Name" is not its instance
     // name, a port listed twice), and dual ports other than its own may list
     // it too: no entry may outlive the port.
-    if (extra) {
-        const std::vector<kaldualport*> lists = std::move(extra->listers);
-        extra->listers.clear();
+    if (extra()) {
+        const std::vector<kaldualport*> lists = std::move(extra()->listers);
+        extra()->listers.clear();
         for (kaldualport* dp : lists)
             kalaccess::forgetPort(dp, this);
     }
     kalnames::release(name);
-    if (!extra) return;
-    if (kalport* to = extra->exportedTo; to && to->getExportedFrom() == this)
-        to->extra->exportedFrom = nullptr;
-    if (kalport* from = extra->exportedFrom; from && from->getExportedTo() == this)
-        from->extra->exportedTo = nullptr;
-    kalnames::release(extra->secondName);
-    delete extra->text;
-    delete extra;
+    if (!extra()) return;
+    if (kalport* to = extra()->exportedTo; to && to->getExportedFrom() == this)
+        to->extra()->exportedFrom = nullptr;
+    if (kalport* from = extra()->exportedFrom; from && from->getExportedTo() == this)
+        from->extra()->exportedTo = nullptr;
+    kalnames::release(extra()->secondName);
+    delete extra()->text;
+    delete extra();
 }
 
 kalcomponent* kalport::getComponent() const {
@@ -273,13 +288,14 @@ const std::string* kalport::getName() const {
     return name;
 }
 const std::string* kalport::getSecondName() const {
-    return extra && extra->secondName ? extra->secondName : name;
+    return extra() && extra()->secondName ? extra()->secondName : name;
 }
 const std::string* kalport::getText() const {
-    return extra ? extra->text : nullptr;
+    return extra() ? extra()->text : nullptr;
 }
 kalportbus* kalport::getBus() const {
-    return bus;
+    const extras* e = extra();
+    return e ? e->bus : reinterpret_cast<kalportbus*>(link);
 }
 kalnet* kalport::getNet() const {
     return net;
@@ -299,7 +315,7 @@ void kalport::setSecondName(const std::string* n) {
     if (n) storeNames(kalnames::acquireOrNull(name), kalnames::acquire(*n));
 }
 void kalport::setDualPort(kaldualport* d) {
-    if (d || extra) more().dualPort = d;
+    if (d || extra()) more().dualPort = d;
 }
 
 // ---- kalportbus ----
