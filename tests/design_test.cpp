@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // Design core: instances, virtual elements, net buses, equality, relative
 // names, source ports, and a teardown that leaves nothing behind.
+#include <set>
 #include <string>
 #include <tuple>
 #include <vector>
@@ -182,6 +183,38 @@ TEST_F(design, numbered_runs_stay_exact_through_removals_and_renames) {
     EXPECT_EQ(d->getNet(S("v0007")), nullptr);
 }
 
+// The net index doubles from sixteen slots to tens of thousands, placing
+// most names anew from what its slots keep and, every ten doublings, from the
+// names themselves; removals along the way shift crowded runs back. The
+// model check reads every slot's hash bits and distance from home.
+TEST_F(design, a_growing_index_stays_exact_through_removals) {
+    std::vector<std::string> names, gone;
+    for (int run = 0; names.size() < 24000; ++run) {
+        for (int k = 0; k < 16; ++k)
+            names.push_back("q" + std::to_string(run) + "[" + std::to_string(k) + "]");
+        for (int j = 0; j < 8; ++j)
+            names.push_back("n" + std::to_string(run) + "_" + std::to_string(j));
+        names.push_back("u" + std::to_string(run));
+    }
+    for (std::size_t i = 0; i < names.size(); ++i) {
+        ASSERT_TRUE(d->addNet(&names[i], &names[i], S(""), nullptr)) << names[i];
+        if (i % 5 == 4) {  // an earlier name goes, from anywhere in its run
+            const std::string& old = names[i * 7 / 10];
+            if (d->removeNet(&old)) gone.push_back(old);
+        }
+        if (i == 3000 || i == 17000) EXPECT_MODEL_OK(top);
+    }
+    std::set<std::string> absent(gone.begin(), gone.end());
+    for (const std::string& n : names) {
+        kalnet* net = d->getNet(&n);
+        ASSERT_EQ(net == nullptr, absent.count(n) == 1) << n;
+        if (net) {
+            EXPECT_EQ(*net->getName(), n);
+        }
+    }
+    EXPECT_EQ(d->data->getNetMap()->size(), names.size() - absent.size());
+}
+
 // An instance is looked up port after port, and the latest hit is tried first:
 // it must never outlive its entry, whichever way the entry goes.
 TEST_F(design, repeated_instance_lookups_follow_removals_and_outside_changes) {
@@ -224,7 +257,7 @@ TEST_F(design, crowded_nets_go_first_and_stale_names_reach_no_freed_net) {
     }
     ASSERT_TRUE(d->changeNetName(S("big"), S("renamed")));
     ASSERT_TRUE(d->changeNetName(S("other"), S("big")));  // the old name now names a small net
-    kalrecorder::setNullObjects(true);                     // the removal's records are not the point
+    kalrecorder::setNullObjects(true);                    // the removal's records are not the point
     ASSERT_TRUE(d->removeNet(S("gone")));
     kalrecorder::setNullObjects(false);
     EXPECT_EQ(d->getNet(S("renamed"))->getPorts().size(), 4100u);

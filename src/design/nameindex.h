@@ -8,10 +8,13 @@
 #ifndef KALDATA_SRC_DESIGN_NAMEINDEX_H
 #define KALDATA_SRC_DESIGN_NAMEINDEX_H
 
+#include <cstdint>
+#include <cstring>
 #include <functional>
 #include <map>
 #include <string>
 #include <string_view>
+#include <type_traits>
 #include <vector>
 
 #include "core/hash.h"
@@ -64,7 +67,7 @@ struct kalnameindex {
     const char* problem();
     // Frees the slots and leaves the index stale (the map stays): the next use rebuilds it.
     void shed() {
-        std::vector<slot>().swap(slots);
+        std::vector<word>().swap(slots);
         count = 0;
         last = recent = entries.end();
     }
@@ -76,12 +79,60 @@ struct kalnameindex {
     }
 
 private:
-    struct slot {
-        typename map_t::iterator at;
-        std::size_t hash;  // compared before the node is touched, and kept for resizing
-    };
+    using iterator = typename map_t::iterator;
+    // A slot is one word, zero when free: the iterator's bits (a node's
+    // address) and, in the bits that address leaves free, the hash's lowest
+    // four bits (the low four, as nodes are 16-byte aligned: they tell a
+    // numbered block's names apart), then in the top sixteen the entry's
+    // distance from its home slot (five bits, 31 standing for 31 or more)
+    // and eleven hash bits above those that place it. Lookups compare the
+    // hash bits before they touch a node; a resize or a deletion finds an
+    // entry's home from them and its distance without reading its name.
+    // Eight bytes where an iterator and a whole hash took sixteen: millions
+    // of nets. Where words are narrower no bits are spare.
+    using word = std::uintptr_t;
+    static_assert(sizeof(iterator) == sizeof(word) && std::is_trivially_copyable_v<iterator>,
+                  "a map iterator is a node address");
+    static constexpr bool wide = sizeof(word) == 8;
+    static constexpr int distanceShift = 48, upperShift = 53;
+    static constexpr std::uint64_t lowBits = 0xF, far = 31, upperBits = 0x7FF;
+    static constexpr word spareBits =
+        wide ? static_cast<word>(lowBits | far << distanceShift | upperBits << upperShift) : 0;
+    static word bitsOf(iterator it) {
+        word w;
+        std::memcpy(&w, &it, sizeof w);
+        return w;
+    }
+    static iterator fromBits(word w) {
+        iterator it;
+        std::memcpy(static_cast<void*>(&it), &w, sizeof w);
+        return it;
+    }
+    iterator iter(word w) const { return fromBits(w & ~spare); }
+    // The hash's bits for a slot: its lowest four, and those above the position bits.
+    word fieldOf(std::size_t hash) const {
+        const std::uint64_t h = hash;
+        return static_cast<word>((h & lowBits) | (order < 64 ? h >> order << upperShift : 0)) & spare;
+    }
+    std::uint64_t distanceOf(word w) const {
+        return spare ? static_cast<std::uint64_t>(w) >> distanceShift & far : far;
+    }
+    word atDistance(word w, std::size_t d) const {
+        const std::uint64_t kept = d < far ? d : far;
+        return (w & ~static_cast<word>(far << distanceShift & spare)) |
+               static_cast<word>(kept << distanceShift & spare);
+    }
+    // The home slot of the entry in slot i: from its distance where that was kept.
+    std::size_t homeOf(std::size_t i, word w) const {
+        const std::size_t mask = slots.size() - 1;
+        const std::uint64_t d = distanceOf(w);
+        return d < far ? (i - d) & mask : hashOf(iter(w)->first) & mask;
+    }
     static std::size_t hashOf(const std::string& name);
-    void insertSlot(typename map_t::iterator at, std::size_t hash);
+    void insertSlot(iterator at, std::size_t hash);
+    void settle(word w, std::size_t home);
+    void dropTags();
+    void setOrder(std::size_t size, unsigned knownBits);
     void resize(std::size_t slots);
     // The check is inline (it runs before every lookup); the rebuild is not.
     void rebuildIfStale() {
@@ -90,8 +141,16 @@ private:
     void rebuild();
 
     map_t& entries;
-    std::vector<slot> slots;  // open addressing, linear probing; end() marks a free slot
+    std::vector<word> slots;  // open addressing, linear probing
     std::size_t count = 0;
+    // The bits of a slot beside the address. Were an address ever to use one
+    // of them, they are all given up (to zero) and names alone decide.
+    word spare = spareBits;
+    unsigned order = 0;  // log2 of the slot count: the upper hash bits start here
+    // A doubling takes the lowest of the upper hash bits into the position and
+    // leaves their top bit unknown: this many of them are the hash's.
+    unsigned known = 11;
+    word compared = 0;  // the hash bits that lookups compare
     // The latest insertion: names usually arrive in runs that sit side by side
     // in the map (a bus's bits, n1_0, n1_1, ...), and a hint next to the right
     // place turns the tree's descent into a constant-time insertion.
@@ -148,34 +207,87 @@ std::size_t kalnameindex<T>::hashOf(const std::string& name) {
 }
 
 template <class T>
+void kalnameindex<T>::setOrder(std::size_t size, unsigned knownBits) {
+    order = 0;
+    while ((std::size_t(1) << order) < size)
+        ++order;
+    known = knownBits;
+    compared = static_cast<word>(lowBits | ((std::uint64_t(1) << known) - 1) << upperShift) & spare;
+}
+
+template <class T>
 void kalnameindex<T>::rebuild() {
     last = recent = entries.end();
     std::size_t size = 16;
     while (size < entries.size() * 2)
         size *= 2;
-    slots.assign(size, slot{entries.end(), 0});
+    slots.assign(size, 0);
+    setOrder(size, 11);
     count = 0;
     for (auto it = entries.begin(); it != entries.end(); ++it)
         insertSlot(it, hashOf(it->first));
 }
 
 template <class T>
-void kalnameindex<T>::insertSlot(typename map_t::iterator at, std::size_t hash) {
+void kalnameindex<T>::insertSlot(iterator it, std::size_t hash) {
+    const word bits = bitsOf(it);
+    if (bits & spare) dropTags();
+    settle(bits | fieldOf(hash), hash & (slots.size() - 1));
+}
+
+template <class T>
+void kalnameindex<T>::settle(word w, std::size_t home) {
     const std::size_t mask = slots.size() - 1;
-    std::size_t i = hash & mask;
-    while (slots[i].at != entries.end())
+    std::size_t i = home;
+    while (slots[i])
         i = (i + 1) & mask;
-    slots[i] = slot{at, hash};
+    slots[i] = atDistance(w, (i - home) & mask);
     ++count;
 }
 
 template <class T>
+void kalnameindex<T>::dropTags() {
+    for (word& w : slots)
+        w &= ~spare;
+    spare = 0;
+    compared = 0;
+}
+
+// A doubling needs one more bit of each hash: the lowest of the upper eleven.
+// Their top bit is then unknown, so after ten doublings the names are hashed
+// again, as are entries whose distance from home was too far to keep. Those names are
+// read ahead: a block's names sit side by side in the slots, and their nodes
+// were made one after another.
+template <class T>
 void kalnameindex<T>::resize(std::size_t size) {
-    std::vector<slot> old(size, slot{entries.end(), 0});
+    std::vector<word> old(size, 0);
     old.swap(slots);
+    const std::size_t oldMask = old.size() - 1;
+    const word oldSpare = spare;
+    const unsigned oldOrder = order;
+    const bool derive = oldSpare && known > 1 && size == old.size() * 2;
+    setOrder(size, derive ? known - 1 : 11);
     count = 0;
-    for (const slot& s : old)
-        if (s.at != entries.end()) insertSlot(s.at, s.hash);
+    constexpr std::size_t ahead = 16;
+    for (std::size_t i = 0; i < old.size(); ++i) {
+        const word w = old[i];
+        if (!w) continue;
+        const std::uint64_t d = derive ? static_cast<std::uint64_t>(w) >> distanceShift & far : far;
+        if (d < far) {
+            const std::uint64_t upper = static_cast<std::uint64_t>(w) >> upperShift;
+            const std::size_t home = ((i - d) & oldMask) | static_cast<std::size_t>(upper & 1) << oldOrder;
+            const word kept = (w & ~oldSpare) | (w & static_cast<word>(lowBits) & spare);
+            settle(kept | (static_cast<word>(upper >> 1 << upperShift) & spare), home);
+            continue;
+        }
+        if (!derive && i + ahead < old.size() && old[i + ahead]) {
+            const char* node = reinterpret_cast<const char*>(&*fromBits(old[i + ahead] & ~oldSpare));
+            __builtin_prefetch(node);
+            __builtin_prefetch(node + 32);
+        }
+        const iterator it = fromBits(w & ~oldSpare);
+        insertSlot(it, hashOf(it->first));
+    }
 }
 
 template <class T>
@@ -183,8 +295,12 @@ typename kalnameindex<T>::map_t::iterator kalnameindex<T>::find(const std::strin
     rebuildIfStale();
     if (slots.empty()) return entries.end();
     const std::size_t mask = slots.size() - 1;
-    for (std::size_t i = hash & mask; slots[i].at != entries.end(); i = (i + 1) & mask)
-        if (slots[i].hash == hash && slots[i].at->first == name) return slots[i].at;
+    const word field = fieldOf(hash) & compared;
+    for (std::size_t i = hash & mask; slots[i]; i = (i + 1) & mask) {
+        if ((slots[i] & compared) != field) continue;
+        const iterator it = iter(slots[i]);
+        if (it->first == name) return it;
+    }
     return entries.end();
 }
 
@@ -239,9 +355,10 @@ template <class T>
 void kalnameindex<T>::erase(typename map_t::iterator at) {
     rebuildIfStale();
     const std::size_t mask = slots.size() - 1;
+    const word bits = bitsOf(at);
     std::size_t i = hashOf(at->first) & mask;
-    while (slots[i].at != at) {
-        if (slots[i].at == entries.end()) {  // not indexed: the map was changed from outside
+    while ((slots[i] & ~spare) != bits) {
+        if (!slots[i]) {  // not indexed: the map was changed from outside
             if (at == last) last = entries.end();
             if (at == recent) recent = entries.end();
             entries.erase(at);
@@ -252,15 +369,15 @@ void kalnameindex<T>::erase(typename map_t::iterator at) {
     }
     // Backward-shift deletion: entries after the gap move up unless they are at home already.
     std::size_t gap = i;
-    for (std::size_t j = (i + 1) & mask; slots[j].at != entries.end(); j = (j + 1) & mask) {
-        const std::size_t want = slots[j].hash & mask;
+    for (std::size_t j = (i + 1) & mask; slots[j]; j = (j + 1) & mask) {
+        const std::size_t want = homeOf(j, slots[j]);
         const bool movable = gap <= j ? (want <= gap || want > j) : (want <= gap && want > j);
         if (movable) {
-            slots[gap] = slots[j];
+            slots[gap] = atDistance(slots[j], (gap - want) & mask);
             gap = j;
         }
     }
-    slots[gap].at = entries.end();
+    slots[gap] = 0;
     --count;
     if (at == last) last = entries.end();
     if (at == recent) recent = entries.end();
@@ -277,10 +394,16 @@ template <class T>
 const char* kalnameindex<T>::problem() {
     if (count != entries.size() || (slots.empty() && !entries.empty())) return nullptr;
     std::size_t used = 0;
-    for (const slot& s : slots) {
-        if (s.at == entries.end()) continue;
+    const std::size_t mask = slots.size() - 1;
+    if (!slots.empty() && (std::size_t(1) << order) != slots.size()) return "its order is not its size's";
+    for (std::size_t i = 0; i < slots.size(); ++i) {
+        const word w = slots[i];
+        if (!w) continue;
         ++used;
-        if (s.hash != hashOf(s.at->first)) return "a slot's hash is not its name's";
+        const std::size_t hash = hashOf(iter(w)->first);
+        if ((w & compared) != (fieldOf(hash) & compared)) return "a slot's hash bits are not its name's";
+        if (distanceOf(w) != distanceOf(atDistance(0, (i - (hash & mask)) & mask)))
+            return "a slot's distance from home is wrong";
     }
     if (used != count) return "its slot count is not its entry count";
     bool lastFound = last == entries.end();
