@@ -263,6 +263,8 @@ bool kaldesign::addNetbus(const std::string* name, const std::string* type, cons
     // The walk compares as signed 32-bit values; bounds from 2^31 up are not supported.
     const long long from = static_cast<int>(first), to = static_cast<int>(last);
     const long long step = last >= first ? 1 : -1;
+    const long long width = (to - from) * step + 1;  // not positive when the walk is empty
+    if (width > 0 && width <= 4096) bits.reserve(static_cast<std::size_t>(width));
     for (long long i = from; step > 0 ? i <= to : i >= to; i += step) {
         const unsigned int bit = static_cast<unsigned int>(i);
         kalbits::nameBit(bitName, *name, bit);
