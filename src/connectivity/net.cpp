@@ -2,6 +2,7 @@
 #include "connectivity/access.h"
 #include "connectivity/bits.h"
 #include "connectivity/busties.h"
+#include "connectivity/linkword.h"
 #include "connectivity/portlist.h"
 #include "connectivity/propagate.h"
 #include <algorithm>
@@ -269,8 +270,7 @@ const std::string* kalnet::getText() const {
     return extra() ? extra()->text : nullptr;
 }
 kalnetbus* kalnet::getBus() const {
-    const extras* e = extra();
-    return e ? e->bus : reinterpret_cast<kalnetbus*>(link);
+    return kallinkword::bus<extras, kalnetbus>(link);
 }
 std::vector<kalport*> kalnet::getPorts() const {
     return kalportlist(const_cast<kalport*&>(ports)).snapshot();
@@ -280,30 +280,18 @@ void kalnet::setDesign(kaldesign* d) {
     design = d;
 }
 kalnet::extras& kalnet::more() {
-    if (!extra()) {
-        auto* e = new extras();
-        e->bus = reinterpret_cast<kalnetbus*>(link);
-        link = reinterpret_cast<std::uintptr_t>(e) | 1;
-    }
-    return *extra();
+    return kallinkword::make<extras>(link);
 }
 
 void kalnet::setBusLink(kalnetbus* b) {
-    if (extras* e = extra())
-        e->bus = b;
-    else
-        link = reinterpret_cast<std::uintptr_t>(b);
+    kallinkword::setBus<extras>(link, b);
 }
 void kalaccess::setLink(kalnet* n, kalnetbus* b) {
     n->setBusLink(b);
 }
 
 void kalnet::tidy() {
-    extras* e = extra();
-    if (e && e->plain()) {
-        link = reinterpret_cast<std::uintptr_t>(e->bus);
-        delete e;
-    }
+    if (extras* e = extra(); e && e->plain()) kallinkword::drop<extras>(link);
 }
 
 void kalnet::setName(const std::string* n) {

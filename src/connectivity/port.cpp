@@ -6,6 +6,7 @@
 
 #include "connectivity/bits.h"
 #include "connectivity/busties.h"
+#include "connectivity/linkword.h"
 #include "connectivity/propagate.h"
 #include "core/names.h"
 #include "core/keys.h"
@@ -56,19 +57,11 @@ struct kalportbus::extras {
 };
 
 kalport::extras& kalport::more() {
-    if (!extra()) {
-        auto* e = new extras();
-        e->bus = reinterpret_cast<kalportbus*>(link);
-        link = reinterpret_cast<std::uintptr_t>(e) | 1;
-    }
-    return *extra();
+    return kallinkword::make<extras>(link);
 }
 
 void kalport::setBusLink(kalportbus* b) {
-    if (extras* e = extra())
-        e->bus = b;
-    else
-        link = reinterpret_cast<std::uintptr_t>(b);
+    kallinkword::setBus<extras>(link, b);
 }
 void kalaccess::setLink(kalport* p, kalportbus* b) {
     p->setBusLink(b);
@@ -294,8 +287,7 @@ const std::string* kalport::getText() const {
     return extra() ? extra()->text : nullptr;
 }
 kalportbus* kalport::getBus() const {
-    const extras* e = extra();
-    return e ? e->bus : reinterpret_cast<kalportbus*>(link);
+    return kallinkword::bus<extras, kalportbus>(link);
 }
 kalnet* kalport::getNet() const {
     return net;
