@@ -33,7 +33,7 @@ struct kalaccess;
 class kalport : public kalattributes {
 private:
     // The component, with the direction (0 to 3) in the pointer's two low bits:
-    // millions of ports, and the word saved takes a port from 56 to 48 bytes.
+    // millions of ports, and every word saved counts.
     std::uintptr_t owner;
     const std::string* name;  // shared with every equal port name
     kalnet* net;

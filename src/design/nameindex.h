@@ -29,8 +29,9 @@ struct kalnameindex {
     explicit kalnameindex(map_t& entries) : entries(entries) {}
 
     typename map_t::iterator find(const std::string& name) { return find(name, hashOf(name)); }
-    // The probe every lookup shares, for a name whose hash is known.
-    typename map_t::iterator find(const std::string& name, std::size_t hash);
+    // The probe every lookup shares, for a name whose hash is known. On a miss,
+    // `vacancy` (if given) receives the free slot where the probe ended.
+    typename map_t::iterator find(const std::string& name, std::size_t hash, std::size_t* vacancy = nullptr);
     T* lookup(const std::string* name);  // null when missing
     // lookup() for names that repeat: the latest hit is tried before hashing.
     T* lookupAgain(const std::string& name) {
@@ -291,16 +292,19 @@ void kalnameindex<T>::resize(std::size_t size) {
 }
 
 template <class T>
-typename kalnameindex<T>::map_t::iterator kalnameindex<T>::find(const std::string& name, std::size_t hash) {
+typename kalnameindex<T>::map_t::iterator kalnameindex<T>::find(const std::string& name, std::size_t hash,
+                                                                std::size_t* vacancy) {
     rebuildIfStale();
     if (slots.empty()) return entries.end();
     const std::size_t mask = slots.size() - 1;
     const word field = fieldOf(hash) & compared;
-    for (std::size_t i = hash & mask; slots[i]; i = (i + 1) & mask) {
+    std::size_t i = hash & mask;
+    for (; slots[i]; i = (i + 1) & mask) {
         if ((slots[i] & compared) != field) continue;
         const iterator it = iter(slots[i]);
         if (it->first == name) return it;
     }
+    if (vacancy) *vacancy = i;
     return entries.end();
 }
 
@@ -327,7 +331,8 @@ template <class T>
 template <class Make>
 T* kalnameindex<T>::place(const std::string& name, Make make, bool& added) {
     const std::size_t hash = hashOf(name);
-    auto found = find(name, hash);
+    std::size_t vacancy = 0;
+    auto found = find(name, hash, &vacancy);
     if (found != entries.end()) {
         added = false;
         return found->second;
@@ -346,8 +351,15 @@ T* kalnameindex<T>::place(const std::string& name, Make make, bool& added) {
         throw;
     }
     last = at;
-    if ((count + 1) * 2 > slots.size()) resize(slots.empty() ? 16 : slots.size() * 2);
-    insertSlot(at, hash);
+    const word bits = bitsOf(at);
+    if (slots.empty() || (count + 1) * 2 > slots.size() || (bits & spare)) {
+        if ((count + 1) * 2 > slots.size()) resize(slots.empty() ? 16 : slots.size() * 2);
+        insertSlot(at, hash);
+    } else {  // the miss ended at the slot the name takes: no second probe
+        const std::size_t mask = slots.size() - 1;
+        slots[vacancy] = atDistance(bits | fieldOf(hash), (vacancy - (hash & mask)) & mask);
+        ++count;
+    }
     return at->second;
 }
 
