@@ -256,9 +256,9 @@ void kalnameindex<T>::dropTags() {
 
 // A doubling needs one more bit of each hash: the lowest of the upper eleven.
 // Their top bit is then unknown, so after ten doublings the names are hashed
-// again, as are entries whose distance from home was too far to keep. Those names are
-// read ahead: a block's names sit side by side in the slots, and their nodes
-// were made one after another.
+// again, as are entries whose distance from home was too far to keep. Those
+// names are read ahead: a block's names sit side by side in the slots, and
+// their nodes were made one after another.
 template <class T>
 void kalnameindex<T>::resize(std::size_t size) {
     std::vector<word> old(size, 0);
