@@ -115,7 +115,6 @@ private:
     void setName(const std::string* name);
     void setSecondName(const std::string* secondName);
     extras& more();
-    void setBusLink(kalnetbus* bus);
     // connect()'s work once the port is known not to be on the list.
     void append(kalport* port, bool flag);
     void tidy();  // drops the side record once the net is common again

@@ -129,7 +129,6 @@ private:
     void setSecondName(const std::string* secondName);
     void setDualPort(kaldualport* dualPort);
     extras& more();
-    void setBusLink(kalportbus* bus);
     void storeNames(const std::string* name, const std::string* secondName);
 };
 

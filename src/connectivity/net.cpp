@@ -123,7 +123,8 @@ void kalaccess::linkEnded(kalnet* net, const kalport* p) {
 kalnet::kalnet(const std::string* name_, const std::string* secondName_, const std::string* text_)
     : design(nullptr), link(0), ports(nullptr) {
     if (!name_ || !secondName_) {
-        more().nameless = more().secondless = true;
+        extras& e = more();
+        e.nameless = e.secondless = true;
         ports = kalportlist::absent();
         return;
     }
@@ -246,7 +247,8 @@ kalnet::~kalnet() {
         }
         // Deleting one bit net deletes its whole bus; the other bits survive.
         if (getBus() && !callers) {
-            setBusLink(nullptr);  // it may no longer hold this net, so would not clear the link
+            // It may no longer hold this net, so would not clear the link.
+            kallinkword::setBus<extras>(link, static_cast<kalnetbus*>(nullptr));
             delete b;
         }
     }
@@ -283,11 +285,8 @@ kalnet::extras& kalnet::more() {
     return kallinkword::make<extras>(link);
 }
 
-void kalnet::setBusLink(kalnetbus* b) {
-    kallinkword::setBus<extras>(link, b);
-}
 void kalaccess::setLink(kalnet* n, kalnetbus* b) {
-    n->setBusLink(b);
+    kallinkword::setBus<kalnet::extras>(n->link, b);
 }
 
 void kalnet::tidy() {

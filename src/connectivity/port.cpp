@@ -60,11 +60,8 @@ kalport::extras& kalport::more() {
     return kallinkword::make<extras>(link);
 }
 
-void kalport::setBusLink(kalportbus* b) {
-    kallinkword::setBus<extras>(link, b);
-}
 void kalaccess::setLink(kalport* p, kalportbus* b) {
-    p->setBusLink(b);
+    kallinkword::setBus<kalport::extras>(p->link, b);
 }
 
 std::vector<kalportbus*>* kalaccess::ties(kalport* p, bool make) {
@@ -281,7 +278,8 @@ const std::string* kalport::getName() const {
     return name;
 }
 const std::string* kalport::getSecondName() const {
-    return extra() && extra()->secondName ? extra()->secondName : name;
+    const extras* e = extra();
+    return e && e->secondName ? e->secondName : name;
 }
 const std::string* kalport::getText() const {
     return extra() ? extra()->text : nullptr;

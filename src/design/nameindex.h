@@ -351,9 +351,10 @@ T* kalnameindex<T>::place(const std::string& name, Make make, bool& added) {
         throw;
     }
     last = at;
+    const bool grow = (count + 1) * 2 > slots.size();
+    if (grow) resize(slots.empty() ? 16 : slots.size() * 2);
     const word bits = bitsOf(at);
-    if (slots.empty() || (count + 1) * 2 > slots.size() || (bits & spare)) {
-        if ((count + 1) * 2 > slots.size()) resize(slots.empty() ? 16 : slots.size() * 2);
+    if (grow || (bits & spare)) {
         insertSlot(at, hash);
     } else {  // the miss ended at the slot the name takes: no second probe
         const std::size_t mask = slots.size() - 1;
